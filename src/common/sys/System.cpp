@@ -1,0 +1,1 @@
+// Placeholder until the seam lands: keeps the library non-empty.

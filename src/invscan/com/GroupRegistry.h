@@ -1,0 +1,15 @@
+#pragma once
+// Which class serves which group id. Each group class registers itself from
+// its own source file, so the factory needs no list of every class.
+class KorGroup;
+
+using GroupCreator = KorGroup* (*)();
+
+// Returns true; a second registration of the same id replaces the first.
+bool registerGroupClass(unsigned long groupId, GroupCreator create);
+// Null when no class is registered for the id.
+GroupCreator findGroupClass(unsigned long groupId);
+
+#define INVSCAN_REGISTER_GROUP(groupId, Class)                                 \
+    static const bool Class##_registered_ =                                    \
+        registerGroupClass((groupId), []() -> KorGroup* { return new Class(); })
