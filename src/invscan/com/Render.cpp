@@ -1,0 +1,253 @@
+#include "invscan/com/Render.h"
+
+#include <clocale>
+#include <climits>
+#include <cstdlib>
+#include <cstring>
+#include <ctime>
+#include <cwchar>
+#include <string>
+
+namespace {
+uint32_t get32(const unsigned char* at)
+{
+    uint32_t v;
+    std::memcpy(&v, at, 4);
+    return v;
+}
+
+const KorString* korStringAt(const unsigned char* at) { return reinterpret_cast<const KorString*>(at); }
+
+// Writes one wide character to a narrow or wide stream: a byte-oriented
+// stream (stdout after printf) would refuse fputwc.
+void putWide(FILE* stream, wchar_t c)
+{
+    if (fwide(stream, 0) > 0) {
+        fputwc(c, stream);
+        return;
+    }
+    char bytes[MB_LEN_MAX];
+    std::mbstate_t state{};
+    const size_t n = std::wcrtomb(bytes, c, &state);
+    if (n == static_cast<size_t>(-1))
+        fputc('?', stream);
+    else
+        fwrite(bytes, 1, n, stream);
+}
+}  // namespace
+
+unsigned long SizeAsKorString(const char* text)
+{
+    return text && *text ? 4 * std::strlen(text) + 8 : 8;
+}
+
+unsigned long SizeAsKorWideString(const wchar_t* text)
+{
+    return text && *text ? 4 * std::wcslen(text) + 8 : 8;
+}
+
+unsigned long SizeofKorString(const KorString* korString) { return 4ul * korString->count + 4; }
+
+unsigned long StringToKorString(const char* source, KorString* destination, unsigned long room,
+                                unsigned long* offset, unsigned long* previousOffset)
+{
+    auto* chars = reinterpret_cast<unsigned char*>(destination) + 4;
+    uint32_t count = 1;
+    if (source && *source && room >= 8) {
+        const size_t limit = (room - 4) / 4;  // characters that fit, terminator included
+        std::wstring wide(limit, L'\0');
+        const size_t n = std::mbstowcs(&wide[0], source, limit);
+        if (n != static_cast<size_t>(-1) && n < limit) {
+            count = static_cast<uint32_t>(n + 1);
+            std::memcpy(chars, wide.c_str(), 4 * count);
+        }
+    }
+    if (count == 1) std::memset(chars, 0, 4);
+    std::memcpy(destination, &count, 4);
+    const unsigned long size = SizeofKorString(destination);
+    if (previousOffset) *previousOffset = offset ? *offset : 0;
+    if (offset) *offset += size;
+    return size;
+}
+
+void TimeToKorDateTime(long secondsSinceEpoch, char* destination)
+{
+    const time_t when = static_cast<time_t>(secondsSinceEpoch);
+    struct tm local;
+    if (!localtime_r(&when, &local)) {
+        destination[0] = '\0';
+        return;
+    }
+    char text[64];
+    std::snprintf(text, sizeof text, "%04d-%02d-%02d-%02d.%02d.%02d.000000", local.tm_year + 1900,
+                  local.tm_mon + 1, local.tm_mday, local.tm_hour, local.tm_min, local.tm_sec);
+    std::memcpy(destination, text, KOR_DATETIME_LENGTH);
+}
+
+wchar_t* dmtf_escape(wchar_t* text)
+{
+    if (!text || !*text) return text;
+    const size_t length = std::wcslen(text);
+    wchar_t* out = new wchar_t[4 * length + 1];
+    wchar_t* w = out;
+    static const wchar_t hex[] = L"0123456789abcdef";
+    for (const wchar_t* r = text; *r; ++r) {
+        const wchar_t c = *r;
+        if (c == L'\\' || c == L'"') {
+            *w++ = L'\\';
+            *w++ = c;
+        } else if (c >= 1 && c <= 31) {
+            *w++ = L'\\';
+            *w++ = L'x';
+            *w++ = hex[(c >> 4) & 15];
+            *w++ = hex[c & 15];
+        } else {
+            *w++ = c;
+        }
+    }
+    *w = L'\0';
+    return out;
+}
+
+const char* getKorAttribTypeAsString(unsigned long type)
+{
+    static const char* const names[] = {"KOR_UCHAR",       "KOR_USHORT",   "KOR_ULONG",     "KOR_UQUAD",
+                                        "KOR_FLOAT",       "KOR_DOUBLE",   "KOR_STRING",    "KOR_OCTETSTRING",
+                                        "KOR_DATETIME",    "KOR_ULONGLONG", "KOR_LONGLONG", "KOR_WIDESTRING"};
+    return type >= 1 && type <= 12 ? names[type - 1] : "Undefined Attrib Type";
+}
+
+void PrintKorFloat(FILE* stream, double value)
+{
+    if (!stream) stream = stdout;
+    const char* current = std::setlocale(LC_NUMERIC, nullptr);
+    const std::string saved = current ? current : "C";
+    std::setlocale(LC_NUMERIC, "C");
+    std::fprintf(stream, "%f", value);
+    std::setlocale(LC_NUMERIC, saved.c_str());
+}
+
+void PrintKorStringToFile(FILE* stream, const KorString* korString)
+{
+    if (!korString || korString->count < 1) return;
+    const auto* raw = reinterpret_cast<const unsigned char*>(korString) + 4;
+    std::wstring text(korString->count, L'\0');
+    std::memcpy(&text[0], raw, 4ul * korString->count);
+    text.back() = L'\0';
+    wchar_t* escaped = dmtf_escape(&text[0]);
+    for (const wchar_t* c = escaped; *c; ++c) putWide(stream, *c);
+    if (escaped != text.c_str()) delete[] escaped;
+}
+
+void PrintOctetStringToFile(FILE* stream, const unsigned char* bytes, unsigned long length)
+{
+    std::fputc('"', stream);
+    for (unsigned long i = 0; i < length; ++i) std::fprintf(stream, "%02X", bytes[i]);
+    std::fputc('"', stream);
+}
+
+void PrintKorTimeBlockToFile(FILE* stream, const char* chars)
+{
+    for (unsigned i = 0; i < KOR_DATETIME_LENGTH; ++i) std::fputc(chars[i], stream);
+}
+
+void PrintKorEnumToFile(FILE* stream, const korAttribDef* attribDef)
+{
+    if (!attribDef || !attribDef->enumDef) return;
+    for (const korEnumDef* e = attribDef->enumDef; e->value != KOR_END; ++e)
+        std::fprintf(stream, "\n\t\t%d = \"%s\"", static_cast<int>(e->value), e->text);
+}
+
+namespace {
+// The value forms the two printers share; `verbose` adds the hexadecimal
+// echoes of the diagnostic dump.
+void printValue(FILE* stream, const unsigned char* block, bool verbose)
+{
+    const uint32_t type = get32(block + 8);
+    const unsigned char* v = block + 12;
+    switch (type) {
+    case KOR_UCHAR:
+        std::fprintf(stream, "0x%02X", v[0]);
+        break;
+    case KOR_USHORT: {
+        unsigned short s;
+        std::memcpy(&s, v, 2);
+        if (verbose)
+            std::fprintf(stream, "%d (0x%04X)", s, s);
+        else
+            std::fprintf(stream, "%d", s);
+        break;
+    }
+    case KOR_ULONG: {
+        const uint32_t u = get32(v);
+        if (verbose)
+            std::fprintf(stream, "%lu (0x%08X)", static_cast<unsigned long>(u), u);
+        else
+            std::fprintf(stream, "%lu", static_cast<unsigned long>(u));
+        break;
+    }
+    case KOR_UQUAD:
+        // Only the first word, as a signed number: hosts' dumps show it so.
+        std::fprintf(stream, "%ld", static_cast<long>(static_cast<int32_t>(get32(v))));
+        break;
+    case KOR_FLOAT: {
+        float f;
+        std::memcpy(&f, v, 4);
+        PrintKorFloat(stream, f);
+        break;
+    }
+    case KOR_DOUBLE: {
+        double d;
+        std::memcpy(&d, v, 8);
+        PrintKorFloat(stream, d);
+        break;
+    }
+    case KOR_STRING:
+        if (get32(v) != 0) PrintKorStringToFile(stream, korStringAt(v));
+        break;
+    case KOR_OCTETSTRING:
+        if (get32(v) != 0) PrintOctetStringToFile(stream, v + 4, get32(v));
+        break;
+    case KOR_DATETIME:
+        PrintKorTimeBlockToFile(stream, reinterpret_cast<const char*>(v));
+        break;
+    case KOR_ULONGLONG: {
+        unsigned long long u;
+        std::memcpy(&u, v, 8);
+        if (verbose)
+            std::fprintf(stream, "%llu (0x%16X)", u, static_cast<unsigned>(u));
+        else
+            std::fprintf(stream, "%llu", u);
+        break;
+    }
+    case KOR_LONGLONG: {
+        long long s;
+        std::memcpy(&s, v, 8);
+        if (verbose)
+            std::fprintf(stream, "%lld (0x%16X)", s, static_cast<unsigned>(s));
+        else
+            std::fprintf(stream, "%lld", s);
+        break;
+    }
+    default:  // wide strings deliberately included
+        if (verbose) std::fputs("Unknown attrib value type", stream);
+        break;
+    }
+}
+}  // namespace
+
+void PrintKorAttribValue(const unsigned char* block)
+{
+    if (!block) return;
+    const uint32_t type = get32(block + 8);
+    std::printf("\n\t\t---len      : %lu", static_cast<unsigned long>(get32(block)));
+    std::printf("\n\t\t   attribId : x%08X", get32(block + 4));
+    std::printf("\n\t\t   kor_type : %lu (%s)", static_cast<unsigned long>(type), getKorAttribTypeAsString(type));
+    std::printf("\n\t\t   value    : ");
+    printValue(stdout, block, true);
+}
+
+void PrintKorAttribValueToFile(FILE* stream, const unsigned char* block)
+{
+    if (stream && block) printValue(stream, block, false);
+}
