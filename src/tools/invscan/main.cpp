@@ -1,13 +1,344 @@
-// Placeholder host until the command line lands: says what is built.
+// invscan: the command-line host. Drives the scanner library the way an
+// inventory host does and prints what the groups return.
+#include <unistd.h>
+
+#include <cctype>
+#include <climits>
+#include <clocale>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
+#include <filesystem>
+#include <list>
+#include <string>
+#include <vector>
+
+#include <CLI/CLI.hpp>
+#include <nlohmann/json.hpp>
+
+#include "framework/NimCfg.h"
+#include "framework/Trace.h"
+#include "framework/XmlNimParser.h"
+#include "framework/utils.h"
+#include "invscan/com/Catalogue.h"
+#include "invscan/com/GroupFactory.h"
+#include "invscan/com/KorGroup.h"
+#include "invscan/com/KorTable.h"
+#include "tools/invscan/Output.h"
+
+namespace cli {
+
+namespace {
+
+const int EXIT_USAGE = 2;
+
+struct Options {
+    std::string format = "text";
+    std::string configFile;
+    std::vector<std::string> assignments;
+    std::string hwConfig;
+    std::string traceLevel;
+    std::string traceFile;
+    std::vector<std::string> groups;
+};
+
+struct Wanted {
+    unsigned long id;
+    std::string name;
+};
+
+std::string versionText()
+{
+    return std::string("invscan ") + INVSCAN_VERSION + " (build " + getBuildDateQVRB() + ")";
+}
+
+void fail(const std::string& message)
+{
+    std::fprintf(stderr, "invscan: %s\n", message.c_str());
+}
+
+// Where this program lives: /proc when it has the link, else argv[0].
+std::string programPath(const char* argv0)
+{
+    for (const char* link : {"/proc/self/exe", "/proc/self/path/a.out"}) {
+        char buffer[PATH_MAX];
+        const ssize_t length = readlink(link, buffer, sizeof buffer - 1);
+        if (length > 0) return std::string(buffer, static_cast<size_t>(length));
+    }
+    if (argv0 && std::strchr(argv0, '/')) {
+        if (char* resolved = realpath(argv0, nullptr)) {
+            std::string path(resolved);
+            std::free(resolved);
+            return path;
+        }
+    }
+    return std::string();
+}
+
+// The probes sit in <prefix>/bin beside this program; the library finds them
+// through NIM_HOMEDIR. A caller's own setting wins.
+void setHomeDir(const std::string& prefix)
+{
+    if (!prefix.empty()) setenv("NIM_HOMEDIR", prefix.c_str(), 0);
+}
+
+bool isNumber(const std::string& text)
+{
+    if (text.empty() || text.size() > 9) return false;
+    for (char c : text)
+        if (!std::isdigit(static_cast<unsigned char>(c))) return false;
+    return true;
+}
+
+std::list<String> allGroupNames()
+{
+    std::list<String> names;
+    GroupFactory::getInstance()->getAllGroups(names);
+    return names;
+}
+
+// A group by id, exact name, or a name that differs only in case.
+bool resolveGroup(const std::string& argument, const std::list<String>& names, Wanted& out)
+{
+    if (isNumber(argument)) {
+        const unsigned long id = std::strtoul(argument.c_str(), nullptr, 10);
+        for (const String& name : names) {
+            if (getGroupIdFromName(name) == id) {
+                out = {id, name.narrow()};
+                return true;
+            }
+        }
+        return false;
+    }
+    for (const String& name : names) {
+        if (name.narrow() == argument) {
+            out = {getGroupIdFromName(name), argument};
+            return true;
+        }
+    }
+    int matches = 0;
+    const std::string lowered = utils::toLower(argument);
+    for (const String& name : names) {
+        if (utils::toLower(name.narrow()) == lowered) {
+            out = {getGroupIdFromName(name), name.narrow()};
+            ++matches;
+        }
+    }
+    return matches == 1;
+}
+
+int applyConfiguration(const Options& options)
+{
+    if (!options.configFile.empty()) {
+        std::string error;
+        if (!NimCfg::loadFile(options.configFile, &error)) {
+            fail("cannot use configuration file " + options.configFile + ": " + error);
+            return EXIT_USAGE;
+        }
+    }
+    for (const std::string& assignment : options.assignments) {
+        if (!NimCfg::setFromAssignment(assignment)) {
+            fail("--set needs KEY=VALUE, not '" + assignment + "'");
+            return EXIT_USAGE;
+        }
+    }
+    if (!options.traceLevel.empty()) {
+        trace::Level level;
+        if (!trace::parseLevel(options.traceLevel, level)) {
+            fail("unknown trace level '" + options.traceLevel + "' (off, min, mid, max or 0-3)");
+            return EXIT_USAGE;
+        }
+        NimCfg::setKey("trace.level", options.traceLevel);
+    }
+    if (!options.traceFile.empty()) {
+        NimCfg::setKey("trace.file", options.traceFile);
+        // A trace file with no level asked for would stay empty.
+        if (NimCfg::getKey("trace.level").empty()) NimCfg::setKey("trace.level", "max");
+    }
+    trace::configure();
+    if (!options.traceFile.empty() && !trace::setFile(options.traceFile)) {
+        fail("cannot write trace file " + options.traceFile);
+        return EXIT_USAGE;
+    }
+    return 0;
+}
+
+int runList(const Options& options)
+{
+    const std::list<String> names = allGroupNames();
+    if (options.format == "json") {
+        nlohmann::json groups = nlohmann::json::array();
+        for (const String& name : names)
+            groups.push_back({{"id", getGroupIdFromName(name)}, {"name", name.narrow()}});
+        std::printf("%s\n", nlohmann::json{{"groups", groups}}
+                                .dump(2, ' ', false, nlohmann::json::error_handler_t::replace)
+                                .c_str());
+        return 0;
+    }
+    for (const String& name : names)
+        std::printf("%4lu  %s\n", getGroupIdFromName(name), name.narrow().c_str());
+    return 0;
+}
+
+int runScan(const Options& options)
+{
+    GroupFactory* factory = GroupFactory::getInstance();
+    if (!factory) {
+        fail("out of memory");
+        return 1;
+    }
+    const std::list<String> names = allGroupNames();
+    std::vector<Wanted> wanted;
+    if (options.groups.empty()) {
+        for (const String& name : names) wanted.push_back({getGroupIdFromName(name), name.narrow()});
+    } else {
+        for (const std::string& argument : options.groups) {
+            Wanted one{};
+            if (!resolveGroup(argument, names, one)) {
+                fail("unknown group '" + argument + "' (see 'invscan list')");
+                return EXIT_USAGE;
+            }
+            wanted.push_back(one);
+        }
+    }
+
+    // The host's calling order.
+    factory->initialise();
+    const String hwConfig = options.hwConfig.empty() ? factory->getHWConfigFile() : String(options.hwConfig);
+    const int loaded = factory->loadNodeFromFile(hwConfig, 0);
+    if (loaded != 0 && !options.hwConfig.empty()) {
+        fail("cannot use hardware configuration " + options.hwConfig + ": " + XmlNimParser::statusText(loaded));
+        return EXIT_USAGE;
+    }
+    factory->startScan();
+
+    const bool json = options.format == "json";
+    const bool kor = options.format == "kor";
+    nlohmann::json results = nlohmann::json::array();
+    for (const Wanted& one : wanted) {
+        nlohmann::json entry{{"id", one.id}, {"name", one.name}};
+        KorGroup* group = factory->getGroup(String(one.name));
+        if (!group) {
+            if (json) {
+                entry["status"] = "no class";
+                entry["tables"] = nlohmann::json::array();
+                results.push_back(std::move(entry));
+            } else {
+                std::printf("%s (group %lu): not built yet\n\n", one.name.c_str(), one.id);
+            }
+            continue;
+        }
+        std::vector<KorTable*> tables;
+        if (KorTable* table = group->getTable()) tables.push_back(table);
+        // Further tables are the host's to delete, like the main one.
+        for (int i = 0; i < group->getExtraTableCount(); ++i)
+            if (KorTable* extra = group->getExtraTable(i)) tables.push_back(extra);
+        if (tables.empty()) {
+            if (json) {
+                entry["status"] = "no table";
+                entry["tables"] = nlohmann::json::array();
+                results.push_back(std::move(entry));
+            } else {
+                std::printf("%s (group %lu): no table (nothing found, or the source failed)\n\n",
+                            one.name.c_str(), one.id);
+            }
+        } else {
+            nlohmann::json rendered = nlohmann::json::array();
+            for (KorTable* table : tables) {
+                if (json) {
+                    rendered.push_back(renderJson(*table));
+                } else if (kor) {
+                    table->toString();
+                    std::printf("\n\n");
+                } else {
+                    std::printf("%s\n", renderText(*table).c_str());
+                }
+            }
+            if (json) {
+                entry["status"] = "scanned";
+                entry["tables"] = std::move(rendered);
+                results.push_back(std::move(entry));
+            }
+        }
+        for (KorTable* table : tables) delete table;
+        delete group;
+        std::fflush(stdout);
+    }
+    factory->endScan();
+
+    if (json) {
+        const nlohmann::json document{
+            {"invscan", {{"version", INVSCAN_VERSION}, {"build", getBuildDateQVRB()}}},
+            {"groups", std::move(results)}};
+        std::printf("%s\n", document.dump(2, ' ', false, nlohmann::json::error_handler_t::replace).c_str());
+    }
+    return std::fflush(stdout) == 0 ? 0 : 1;
+}
+
+}  // namespace
+
+int run(int argc, char** argv)
+{
+    std::setlocale(LC_CTYPE, "");
+    Options options;
+
+    CLI::App app{"invscan: scans this machine's hardware inventory and prints it.", "invscan"};
+    app.set_version_flag("--version", versionText());
+    app.require_subcommand(0, 1);
+    app.add_option("--format", options.format, "Output: text (readable), kor (diagnostic dump) or json")
+        ->check(CLI::IsMember({"text", "kor", "json"}))
+        ->capture_default_str();
+    app.add_option("--config", options.configFile, "Configuration file of key=value lines")
+        ->type_name("FILE");
+    app.add_option("--set", options.assignments, "Configuration key, after --config (repeatable)")
+        ->type_name("KEY=VALUE")
+        ->expected(1)
+        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+    app.add_option("--hwconfig", options.hwConfig,
+                   "Hardware configuration file (default: config_dir/hwscanner.config_file)")
+        ->type_name("FILE");
+    app.add_option("--trace", options.traceLevel, "Trace level: off, min, mid or max")->type_name("LEVEL");
+    app.add_option("--trace-file", options.traceFile, "Write trace lines to FILE (default: standard error)")
+        ->type_name("FILE");
+
+    CLI::App* list = app.add_subcommand("list", "List the id and name of every group");
+    CLI::App* scan = app.add_subcommand("scan", "Scan the named groups (every group when none is named)");
+    scan->add_option("groups", options.groups, "Group names or ids")->type_name("GROUP|ID");
+    for (CLI::App* sub : {list, scan}) sub->fallthrough();
+
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& e) {
+        const int code = app.exit(e);
+        return code == 0 ? 0 : EXIT_USAGE;
+    }
+
+    const std::string self = programPath(argc > 0 ? argv[0] : nullptr);
+    const std::string prefix =
+        self.empty() ? std::string() : std::filesystem::path(self).parent_path().parent_path().string();
+    setHomeDir(prefix);
+    // Installed layout: <prefix>/bin/invscan and <prefix>/config/NimHWConfig.xml.
+    if (!prefix.empty() && !NimCfg::hasKey("config_dir")) NimCfg::setKey("config_dir", prefix + "/config");
+
+    if (!list->parsed() && !scan->parsed()) {
+        fail("a command is needed: list or scan (see --help)");
+        return EXIT_USAGE;
+    }
+    if (const int code = applyConfiguration(options)) return code;
+    if (list->parsed()) return runList(options);
+    return runScan(options);
+}
+
+}  // namespace cli
 
 int main(int argc, char** argv)
 {
-    if (argc > 1 && std::strcmp(argv[1], "scan") == 0) {
-        std::printf("invscan %s: no groups are built yet\n", INVSCAN_VERSION);
-        return 0;
+    try {
+        return cli::run(argc, argv);
+    } catch (const std::exception& e) {
+        cli::fail(e.what());
+    } catch (...) {
+        cli::fail("unexpected failure");
     }
-    std::fprintf(stderr, "usage: invscan scan\n");
-    return 2;
+    return 1;
 }
