@@ -7,7 +7,7 @@
 set -euo pipefail
 
 want=(cmake make g++ pkg-config libexpat1-dev libgtest-dev libgmock-dev googletest
-      libbenchmark-dev libcli11-dev nlohmann-json3-dev python3)
+      libbenchmark-dev libcli11-dev nlohmann-json3-dev python3 locales)
 m32=0
 for arg in "$@"; do
   case "$arg" in
@@ -30,6 +30,11 @@ if [ ${#missing[@]} -gt 0 ]; then
   $sudo apt-get update -qq || echo "install-deps: apt-get update reported errors; going on with the lists it has" >&2
   updated=1
   DEBIAN_FRONTEND=noninteractive $sudo apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
+fi
+
+# A comma-decimal locale: tests prove that numbers print with a point anyway.
+if ! locale -a 2>/dev/null | grep -qix 'de_DE.utf8'; then
+  $sudo localedef -i de_DE -f UTF-8 de_DE.UTF-8 || echo "install-deps: could not build de_DE.UTF-8; locale tests will skip" >&2
 fi
 
 # i386 expat for the -m32 build. A multiarch install often conflicts with the

@@ -6,13 +6,13 @@
 
 #include "framework/Trace.h"
 #include "invscan/com/logging.h"
-#include "support/StderrCapture.h"
+#include "support/StreamCapture.h"
 
 namespace {
 
 TEST(Logging, PrefixCarriesLocalTimeFileAndLine)
 {
-    testsupport::StderrCapture err;
+    testsupport::StreamCapture err(stderr);
     logprefix("a", 12);
     EXPECT_TRUE(std::regex_match(err.text(), std::regex(R"(\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d a\(12\) - )")))
         << err.text();
@@ -20,7 +20,7 @@ TEST(Logging, PrefixCarriesLocalTimeFileAndLine)
 
 TEST(Logging, PrintfPassesArgumentPercentSignsThrough)
 {
-    testsupport::StderrCapture err;
+    testsupport::StreamCapture err(stderr);
     logprintf("%s|%d", "100% %s %n", 7);
     EXPECT_EQ(err.text(), "100% %s %n|7");
 }

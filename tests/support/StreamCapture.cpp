@@ -1,30 +1,30 @@
-#include "support/StderrCapture.h"
+#include "support/StreamCapture.h"
 
 #include <unistd.h>
 
 namespace testsupport {
 
-StderrCapture::StderrCapture() : m_file(tmpfile()), m_saved(-1)
+StreamCapture::StreamCapture(FILE* stream) : m_stream(stream), m_file(tmpfile()), m_saved(-1)
 {
-    fflush(stderr);
+    fflush(m_stream);
     if (!m_file) return;
-    m_saved = dup(fileno(stderr));
-    dup2(fileno(m_file), fileno(stderr));
+    m_saved = dup(fileno(m_stream));
+    dup2(fileno(m_file), fileno(m_stream));
 }
 
-StderrCapture::~StderrCapture()
+StreamCapture::~StreamCapture()
 {
-    fflush(stderr);
+    fflush(m_stream);
     if (m_saved >= 0) {
-        dup2(m_saved, fileno(stderr));
+        dup2(m_saved, fileno(m_stream));
         close(m_saved);
     }
     if (m_file) fclose(m_file);
 }
 
-std::string StderrCapture::text()
+std::string StreamCapture::text()
 {
-    fflush(stderr);
+    fflush(m_stream);
     if (!m_file) return std::string();
     std::string out;
     rewind(m_file);

@@ -1,0 +1,92 @@
+// The CPU throttle holds a busy loop near its percentage. Measured loosely:
+// the machine is shared, so only bounds that a working throttle always meets
+// and a broken one misses are asserted.
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <ctime>
+#include <thread>
+
+#include "framework/CpuThreshold.h"
+
+namespace {
+
+double cpuNow() { return static_cast<double>(std::clock()) / CLOCKS_PER_SEC; }
+
+// Burns about `seconds` of CPU.
+void burn(double seconds)
+{
+    const double until = cpuNow() + seconds;
+    volatile unsigned long sink = 0;
+    while (cpuNow() < until)
+        for (int i = 0; i < 10000; ++i) sink = sink + static_cast<unsigned long>(i);
+}
+
+struct Measured {
+    double cpu;
+    double wall;
+};
+
+Measured busyScan(int threshold, int steps)
+{
+    CpuThreshold::Initialize(threshold);
+    const auto start = std::chrono::steady_clock::now();
+    const double cpuStart = cpuNow();
+    for (int i = 0; i < steps; ++i) {
+        burn(0.03);
+        CpuThreshold::doIteration();
+    }
+    const double wall = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    return {cpuNow() - cpuStart, wall};
+}
+
+class Throttle : public ::testing::Test {
+protected:
+    void TearDown() override { CpuThreshold::Initialize(0); }
+};
+
+TEST_F(Throttle, HoldsABusyLoopNearItsPercentage)
+{
+    const Measured run = busyScan(25, 25);
+    const double share = run.cpu / run.wall;
+    // Unthrottled, the loop would use close to 100 %.
+    EXPECT_LT(share, 0.25 + 0.12) << "cpu " << run.cpu << " s over " << run.wall << " s";
+    EXPECT_GT(CpuThreshold::totalSleepSeconds(), run.cpu);
+}
+
+TEST_F(Throttle, ZeroAndOutOfRangeValuesSwitchItOff)
+{
+    for (int threshold : {0, -5, 100, 250}) {
+        SCOPED_TRACE(threshold);
+        busyScan(threshold, 3);
+        EXPECT_FALSE(CpuThreshold::isEnabled());
+        EXPECT_EQ(CpuThreshold::totalSleepSeconds(), 0.0);
+    }
+}
+
+TEST_F(Throttle, AnIdleScannerIsNotSlowedDown)
+{
+    CpuThreshold::Initialize(10);
+    const auto start = std::chrono::steady_clock::now();
+    for (int i = 0; i < 5; ++i) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        CpuThreshold::doIteration();
+    }
+    const double wall = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    // Sleeping 100 ms costs next to no CPU: the steps add nothing worth noting.
+    EXPECT_LT(wall, 1.0);
+    EXPECT_LT(CpuThreshold::totalSleepSeconds(), 0.5);
+}
+
+TEST_F(Throttle, SleepMakesUpForTheStepsExcess)
+{
+    CpuThreshold::Initialize(50);
+    burn(0.2);
+    CpuThreshold::doIteration();
+    // cpu / (wall + sleep) == 0.5, so sleep is about cpu - (wall - cpu).
+    const double expected = CpuThreshold::lastCpuSeconds() / 0.5 - CpuThreshold::lastWallSeconds();
+    EXPECT_NEAR(CpuThreshold::lastSleepSeconds(), expected, 0.01);
+    EXPECT_GT(CpuThreshold::lastSleepSeconds(), 0.05);
+}
+
+}  // namespace
