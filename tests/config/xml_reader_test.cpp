@@ -113,7 +113,9 @@ TEST(XmlReader, BadDocumentsFailWithTheirStatusAMessageAndNoTree)
         EXPECT_EQ(parser.getRoot(), nullptr);
         EXPECT_EQ(parser.releaseRoot(), nullptr);
         // The sink refused on its own account; everything else the parser reports.
-        if (bad.status != XmlNimParser::STATUS_REJECTED) EXPECT_FALSE(sink.messages.empty());
+        if (bad.status != XmlNimParser::STATUS_REJECTED) {
+            EXPECT_FALSE(sink.messages.empty());
+        }
     }
 }
 
