@@ -1,0 +1,258 @@
+// The invscan command line, end to end: the built program run as a user would.
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <regex>
+#include <set>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include <nlohmann/json.hpp>
+
+namespace {
+
+struct Result {
+    int code = -1;
+    std::string out;
+    std::string err;
+};
+
+std::string slurp(const std::string& path)
+{
+    std::ifstream in(path, std::ios::binary);
+    std::ostringstream text;
+    text << in.rdbuf();
+    return text.str();
+}
+
+std::string quote(const std::string& word)
+{
+    std::string out = "'";
+    for (char c : word) out += c == '\'' ? std::string("'\\''") : std::string(1, c);
+    return out + "'";
+}
+
+class Cli : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        const char* dir = std::getenv("INVSCAN_BIN_DIR");
+        m_program = std::string(dir ? dir : INVSCAN_BIN_DIR) + "/invscan";
+        if (access(m_program.c_str(), X_OK) != 0) GTEST_SKIP() << "not built: " << m_program;
+        char pattern[] = "/tmp/invscan-cli-XXXXXX";
+        ASSERT_NE(mkdtemp(pattern), nullptr);
+        m_dir = pattern;
+    }
+    void TearDown() override
+    {
+        if (!m_dir.empty()) std::system(("rm -rf " + quote(m_dir)).c_str());
+    }
+
+    Result run(const std::vector<std::string>& args, const std::string& environment = "")
+    {
+        std::string command = environment + " " + quote(m_program);
+        for (const std::string& arg : args) command += " " + quote(arg);
+        command += " >" + quote(m_dir + "/out") + " 2>" + quote(m_dir + "/err") + " </dev/null";
+        Result result;
+        const int status = std::system(command.c_str());
+        result.code = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+        result.out = slurp(m_dir + "/out");
+        result.err = slurp(m_dir + "/err");
+        return result;
+    }
+
+    std::string write(const std::string& name, const std::string& content)
+    {
+        const std::string path = m_dir + "/" + name;
+        std::ofstream(path) << content;
+        return path;
+    }
+
+    std::string m_program;
+    std::string m_dir;
+};
+
+TEST_F(Cli, VersionAndHelpSucceed)
+{
+    const Result version = run({"--version"});
+    EXPECT_EQ(version.code, 0);
+    EXPECT_TRUE(std::regex_search(version.out,
+                                  std::regex(R"(^invscan \S+ \(build 20\d\d-\d\d-\d\d-\d\d\.\d\d\.\d\d\.000000\))")))
+        << version.out;
+
+    const Result help = run({"--help"});
+    EXPECT_EQ(help.code, 0);
+    for (const char* word : {"list", "scan", "--format", "--config", "--set", "--hwconfig", "--trace",
+                             "--trace-file", "--version"})
+        EXPECT_NE(help.out.find(word), std::string::npos) << word;
+}
+
+TEST_F(Cli, MistakesGiveAMessageAndExitTwo)
+{
+    struct Case {
+        std::vector<std::string> args;
+        const char* message;
+    };
+    const std::vector<Case> cases = {
+        {{}, "a command is needed"},
+        {{"frobnicate"}, "frobnicate"},
+        {{"--bogus", "list"}, "--bogus"},
+        {{"scan", "Nope"}, "unknown group 'Nope'"},
+        {{"scan", "Memory", "8"}, "unknown group '8'"},
+        {{"scan", "26"}, "unknown group '26'"},
+        {{"--format", "xml", "list"}, "xml"},
+        {{"--trace", "loud", "list"}, "unknown trace level 'loud'"},
+        {{"--set", "novalue", "list"}, "KEY=VALUE"},
+        {{"--config", "/nonexistent/invscan.cfg", "list"}, "/nonexistent/invscan.cfg"},
+        {{"--hwconfig", "/nonexistent/hw.xml", "scan", "Memory"}, "/nonexistent/hw.xml"},
+    };
+    for (const Case& c : cases) {
+        std::string joined;
+        for (const std::string& a : c.args) joined += a + " ";
+        SCOPED_TRACE(joined);
+        const Result r = run(c.args);
+        EXPECT_EQ(r.code, 2);
+        EXPECT_NE(r.err.find(c.message), std::string::npos) << r.err;
+        EXPECT_TRUE(r.out.empty()) << r.out;
+    }
+}
+
+TEST_F(Cli, ListGivesIdAndNameOfEveryGroup)
+{
+    const Result r = run({"list"});
+    ASSERT_EQ(r.code, 0) << r.err;
+    std::istringstream lines(r.out);
+    std::string line;
+    std::vector<std::string> names;
+    while (std::getline(lines, line)) {
+        std::smatch m;
+        ASSERT_TRUE(std::regex_match(line, m, std::regex(R"(\s*(\d+)  (.+))"))) << line;
+        names.push_back(m[2]);
+    }
+    ASSERT_EQ(names.size(), 22u);
+    EXPECT_EQ(names.front(), "ComponentID");
+    EXPECT_EQ(names.back(), "SAN Adapter");
+
+    const Result json = run({"list", "--format", "json"});
+    ASSERT_EQ(json.code, 0);
+    const auto doc = nlohmann::json::parse(json.out);
+    ASSERT_EQ(doc.at("groups").size(), 22u);
+    EXPECT_EQ(doc["groups"][1]["id"], 2);
+    EXPECT_EQ(doc["groups"][1]["name"], "Processor");
+}
+
+TEST_F(Cli, ScanAsJsonIsOneDocumentCoveringEveryGroup)
+{
+    const Result r = run({"scan", "--format", "json"});
+    ASSERT_EQ(r.code, 0) << r.err;
+    const auto doc = nlohmann::json::parse(r.out);  // throws, failing the test, when not JSON
+    EXPECT_TRUE(doc.at("invscan").at("build").is_string());
+    const auto& groups = doc.at("groups");
+    ASSERT_EQ(groups.size(), 22u);
+    const std::set<std::string> statuses = {"scanned", "no class", "no table"};
+    for (const auto& group : groups) {
+        SCOPED_TRACE(group.dump());
+        EXPECT_TRUE(group.at("id").is_number_unsigned());
+        EXPECT_TRUE(statuses.count(group.at("status").get<std::string>()));
+        for (const auto& table : group.at("tables")) {
+            EXPECT_TRUE(table.at("rows").is_array());
+            EXPECT_EQ(table.at("id"), group.at("id"));
+            for (const auto& row : table["rows"]) EXPECT_TRUE(row.is_object());
+        }
+        if (group["status"] != "scanned") {
+            EXPECT_TRUE(group["tables"].empty());
+        }
+    }
+}
+
+TEST_F(Cli, GroupsAreNamedByNameIdOrAnyCase)
+{
+    for (const char* which : {"Memory", "3", "memory", "MEMORY"}) {
+        SCOPED_TRACE(which);
+        const Result r = run({"scan", which, "--format", "json"});
+        ASSERT_EQ(r.code, 0) << r.err;
+        const auto doc = nlohmann::json::parse(r.out);
+        ASSERT_EQ(doc["groups"].size(), 1u);
+        EXPECT_EQ(doc["groups"][0]["name"], "Memory");
+        EXPECT_EQ(doc["groups"][0]["id"], 3);
+    }
+    // Names with blanks and several groups at once, in the order given.
+    const Result r = run({"scan", "SAN Adapter", "Operating System", "--format", "json"});
+    ASSERT_EQ(r.code, 0) << r.err;
+    const auto doc = nlohmann::json::parse(r.out);
+    ASSERT_EQ(doc["groups"].size(), 2u);
+    EXPECT_EQ(doc["groups"][0]["id"], 54);
+    EXPECT_EQ(doc["groups"][1]["id"], 4);
+}
+
+TEST_F(Cli, TextAndKorFormatsSayWhatEachGroupGave)
+{
+    for (const char* format : {"text", "kor"}) {
+        SCOPED_TRACE(format);
+        const Result r = run({"--format", format, "scan", "Memory", "SAN Adapter"});
+        ASSERT_EQ(r.code, 0) << r.err;
+        const Result json = run({"scan", "Memory", "SAN Adapter", "--format", "json"});
+        const auto doc = nlohmann::json::parse(json.out);
+        for (const auto& group : doc["groups"]) {
+            const std::string name = group["name"];
+            const std::string status = group["status"];
+            if (status == "no class") {
+                EXPECT_NE(r.out.find(name + " (group " + std::to_string(group["id"].get<int>()) + "): not built yet"),
+                          std::string::npos);
+            } else if (status == "scanned") {
+                const std::string header = std::string(format) == "kor" ? "--------Table " + name : name + " (group";
+                EXPECT_NE(r.out.find(header), std::string::npos) << r.out;
+            }
+        }
+    }
+}
+
+TEST_F(Cli, ConfigurationFileSetAndTraceOptionsReachTheLibrary)
+{
+    const std::string traceFile = m_dir + "/trace.log";
+    const std::string hw = write("hw.xml", "<NimHWConfig><Hardware site=\"lab\"/></NimHWConfig>");
+    const std::string cfg = write("invscan.cfg", "# comment\ntrace.level = min\nhwscanner.cputhreshold = 90\n");
+    const Result r =
+        run({"--config", cfg, "--set", "trace.level=max", "--trace-file", traceFile, "--hwconfig", hw, "scan", "Memory"});
+    ASSERT_EQ(r.code, 0) << r.err;
+    const std::string trace = slurp(traceFile);
+    EXPECT_NE(trace.find("hardware groupName=Memory"), std::string::npos) << trace;
+    EXPECT_NE(trace.find("hardware get global attribute site=lab"), std::string::npos);
+    EXPECT_NE(trace.find("New cpuThreshold is 90"), std::string::npos);
+    // --set comes after --config: max, so the detailed lines are there.
+    EXPECT_NE(trace.find("hardware Open config file " + hw + " for read"), std::string::npos);
+}
+
+TEST_F(Cli, TheDefaultHardwareConfigurationComesFromConfigDir)
+{
+    const std::string dir = m_dir + "/etc";
+    ASSERT_EQ(system(("mkdir -p " + quote(dir)).c_str()), 0);
+    write("etc/NimHWConfig.xml", "<NimHWConfig><Hardware from=\"configdir\"/></NimHWConfig>");
+    const std::string traceFile = m_dir + "/trace.log";
+    const Result r = run({"--set", "config_dir=" + dir, "--trace", "max", "--trace-file", traceFile, "scan", "3"});
+    ASSERT_EQ(r.code, 0) << r.err;
+    EXPECT_NE(slurp(traceFile).find("hardware get global attribute from=configdir"), std::string::npos);
+}
+
+TEST_F(Cli, ABadDefaultHardwareConfigurationDoesNotStopTheScan)
+{
+    const std::string traceFile = m_dir + "/trace.log";
+    const Result r = run({"--set", "config_dir=/nonexistent", "--trace", "min", "--trace-file", traceFile, "scan", "3"});
+    EXPECT_EQ(r.code, 0) << r.err;
+    EXPECT_NE(slurp(traceFile).find("hardware ERROR! Failed to open file /nonexistent/NimHWConfig.xml for reading"),
+              std::string::npos);
+}
+
+TEST_F(Cli, AnUnwritableTraceFileIsRefused)
+{
+    const Result r = run({"--trace", "max", "--trace-file", "/nonexistent/dir/trace.log", "list"});
+    EXPECT_EQ(r.code, 2);
+    EXPECT_NE(r.err.find("/nonexistent/dir/trace.log"), std::string::npos);
+}
+
+}  // namespace

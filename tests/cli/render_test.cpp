@@ -1,0 +1,111 @@
+// The command line's renderers over hand-built tables.
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <string>
+#include <vector>
+
+// The renderers belong to the program, not a library: compile them in.
+#include "tools/invscan/Output.cpp"
+
+namespace {
+
+// A Storage table (group 5): "Index" 1, "ID" 2, "Type" 3 (enumerated), plus
+// values the catalogue does not describe.
+KorTable* storageTable()
+{
+    auto* table = new KorTable(5, 1);
+    auto* row = new KorTableRow;
+    row->addAttrib(new KorTableAttrib(1, 7ul));
+    row->addAttrib(new KorTableAttrib(2, "  disk-0  "));
+    row->addAttrib(new KorTableAttrib(3, 30ul));
+    row->addAttrib(new KorTableAttrib(3, 68ul));  // no text for 68: a gap in the enumeration
+    row->addAttrib(nullptr);
+    row->addAttrib(new KorTableAttrib(99, 1.5));
+    row->addAttrib(new KorTableAttrib(98, static_cast<long long>(-4)));
+    row->addAttrib(new KorTableAttrib(97, L"wide \u00e9"));
+    const unsigned char bytes[] = {0xDE, 0xAD};
+    row->addAttrib(new KorTableAttrib(96, bytes, 2u));
+    table->addRow(row);
+    auto* second = new KorTableRow;
+    second->addAttrib(new KorTableAttrib(1, 8ul));
+    table->addRow(second);
+    return table;
+}
+
+TEST(Render, TextShowsCatalogueNamesEnumerationTextsAndOneBlockPerRow)
+{
+    KorTable* table = storageTable();
+    const std::string text = cli::renderText(*table);
+    EXPECT_EQ(text.rfind("Storage (group 5, version 1): 2 rows, scanned ", 0), 0u) << text;
+    EXPECT_NE(text.find("\n  [1]\n"), std::string::npos);
+    EXPECT_NE(text.find("\n  [2]\n"), std::string::npos);
+    EXPECT_NE(text.find("Index"), std::string::npos);
+    EXPECT_NE(text.find(" : disk-0\n"), std::string::npos);
+    EXPECT_NE(text.find(" : 30 (Hard Disk)\n"), std::string::npos);
+    EXPECT_NE(text.find(" : 68\n"), std::string::npos);
+    EXPECT_NE(text.find("attribute 0x00000063"), std::string::npos);
+    EXPECT_NE(text.find(" : 1.5\n"), std::string::npos);
+    EXPECT_NE(text.find(" : -4\n"), std::string::npos);
+    EXPECT_NE(text.find(" : wide \xC3\xA9\n"), std::string::npos);
+    EXPECT_NE(text.find(" : DEAD\n"), std::string::npos);
+    // Rendering walks the table but leaves it ready for the next reader.
+    EXPECT_NE(table->getNext(), nullptr);
+    delete table;
+}
+
+TEST(Render, JsonKeepsTypesAndKeysStable)
+{
+    KorTable* table = storageTable();
+    const nlohmann::json doc = cli::renderJson(*table);
+    delete table;
+    EXPECT_EQ(doc["id"], 5);
+    EXPECT_EQ(doc["name"], "Storage");
+    ASSERT_EQ(doc["rows"].size(), 2u);
+    const auto& row = doc["rows"][0];
+    EXPECT_EQ(row["Index"], 7);
+    EXPECT_EQ(row["ID"], "disk-0");
+    // "Type" appears twice in the row: both values are kept, in order.
+    ASSERT_TRUE(row["Type"].is_array());
+    EXPECT_EQ(row["Type"][0], (nlohmann::json{{"value", 30}, {"text", "Hard Disk"}}));
+    EXPECT_EQ(row["Type"][1], 68);
+    EXPECT_EQ(row["attribute 0x00000063"], 1.5);
+    EXPECT_EQ(row["attribute 0x00000062"], -4);
+    EXPECT_EQ(row["attribute 0x00000061"], "wide \xC3\xA9");
+    EXPECT_EQ(row["attribute 0x00000060"], "DEAD");
+    EXPECT_EQ(doc["rows"][1], (nlohmann::json{{"Index", 8}}));
+}
+
+TEST(Render, DecodingRefusesBlocksShorterThanTheirContent)
+{
+    KorTableAttrib attrib(3, 30ul);
+    const unsigned char* block = attrib.getAttribPtr();
+    uint32_t size;
+    std::memcpy(&size, block, 4);
+    std::vector<unsigned char> copy(block, block + size);
+    cli::DecodedValue value;
+    ASSERT_TRUE(cli::decodeBlock(copy.data(), value));
+    EXPECT_EQ(value.unsignedValue, 30u);
+
+    struct Case {
+        uint32_t size;
+        uint32_t type;
+    };
+    for (const Case c : {Case{11, KOR_ULONG}, Case{15, KOR_ULONG}, Case{16, 0}, Case{16, 77}}) {
+        SCOPED_TRACE(c.size);
+        std::memcpy(copy.data(), &c.size, 4);
+        if (c.type != KOR_ULONG) std::memcpy(copy.data() + 8, &c.type, 4);
+        EXPECT_FALSE(cli::decodeBlock(copy.data(), value));
+    }
+    EXPECT_FALSE(cli::decodeBlock(nullptr, value));
+
+    // A string whose count claims more characters than the block holds reads as empty.
+    KorTableAttrib text(2, "abc");
+    std::vector<unsigned char> s(text.getAttribPtr(), text.getAttribPtr() + 12 + 4 + 16);
+    const uint32_t lie = 1000;
+    std::memcpy(s.data() + 12, &lie, 4);
+    ASSERT_TRUE(cli::decodeBlock(s.data(), value));
+    EXPECT_TRUE(value.text.empty());
+}
+
+}  // namespace
