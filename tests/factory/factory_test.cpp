@@ -134,8 +134,12 @@ TEST_F(Factory, EveryCataloguedGroupIsReachableByIdAndByName)
         KorGroup* byName = factory->getGroup(name);
         EXPECT_EQ(byId == nullptr, findGroupClass(id) == nullptr);
         EXPECT_EQ(byName == nullptr, byId == nullptr);
-        if (byId) EXPECT_EQ(byId->getGroupId(), id);
-        if (byName) EXPECT_EQ(byName->getGroupId(), id);
+        if (byId) {
+            EXPECT_EQ(byId->getGroupId(), id);
+        }
+        if (byName) {
+            EXPECT_EQ(byName->getGroupId(), id);
+        }
         delete byId;
         delete byName;
     }
