@@ -1,0 +1,133 @@
+#include "common/util/qrn_popen.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdarg>
+#include <cstdio>
+#include <cstdlib>
+#include <ctime>
+#include <initializer_list>
+
+namespace {
+struct PipeHandle {
+    int pid;
+    int input;   // parent's write end of the child's stdin; 0 = none
+    int output;  // parent's read end of the child's stdout; 0 = none
+    FILE* stream;
+    int start;
+    int timeout;
+    bool exited;
+    int status;
+};
+}  // namespace
+
+extern "C" void* qrn_popen(char const* file, int timeoutSeconds, ...)
+{
+    if (!file) return nullptr;
+    const char* argv[QRN_MAX_ARGS + 2];
+    int argc = 0;
+    argv[argc++] = file;
+    va_list args;
+    va_start(args, timeoutSeconds);
+    for (const char* a = va_arg(args, const char*); a; a = va_arg(args, const char*)) {
+        if (argc > QRN_MAX_ARGS) {
+            va_end(args);
+            return nullptr;
+        }
+        argv[argc++] = a;
+    }
+    va_end(args);
+    argv[argc] = nullptr;
+
+    int in[2], out[2];
+    if (pipe2(in, O_CLOEXEC) != 0) return nullptr;
+    if (pipe2(out, O_CLOEXEC) != 0) {
+        close(in[0]);
+        close(in[1]);
+        return nullptr;
+    }
+    const pid_t pid = fork();
+    if (pid < 0) {
+        for (int fd : {in[0], in[1], out[0], out[1]}) close(fd);
+        return nullptr;
+    }
+    if (pid == 0) {
+        dup2(in[0], 0);
+        dup2(out[1], 1);
+        close(2);  // the command runs without a standard error
+        execvp(file, const_cast<char* const*>(argv));
+        _exit(255);
+    }
+    close(in[0]);
+    close(out[1]);
+    auto* h = static_cast<PipeHandle*>(std::calloc(1, sizeof(PipeHandle)));
+    if (!h) {
+        close(in[1]);
+        close(out[0]);
+        kill(pid, SIGKILL);
+        waitpid(pid, nullptr, 0);
+        return nullptr;
+    }
+    h->pid = pid;
+    h->input = in[1];
+    h->output = out[0];
+    h->start = static_cast<int>(time(nullptr));
+    h->timeout = timeoutSeconds;
+    return h;
+}
+
+extern "C" int qrn_pgets(char* buf, int size, void* handle)
+{
+    auto* h = static_cast<PipeHandle*>(handle);
+    if (!h) return 0;
+    if (!h->stream && h->output) h->stream = fdopen(h->output, "r");
+    if (h->stream && size > 1) {
+        struct pollfd p = {h->output, POLLIN, 0};
+        if (poll(&p, 1, 0) > 0 && (p.revents & (POLLIN | POLLHUP)) &&
+            fgets(buf, size - 1, h->stream) != nullptr)  // one byte short, as hosts expect
+            return 1;
+    }
+    if (h->exited) return -1;
+    int status = 0;
+    if (waitpid(h->pid, &status, WNOHANG) == h->pid) {
+        h->exited = true;
+        h->status = status;
+        usleep(50);  // let the last output arrive
+        return 0;
+    }
+    if (h->start >= 1 && h->timeout >= 1 && time(nullptr) > h->start + h->timeout) {
+        kill(h->pid, SIGKILL);
+        // Reap it now: the kill is certain to end it, and a long-lived host
+        // must not keep zombies.
+        waitpid(h->pid, &status, 0);
+        h->exited = true;
+        h->status = status;
+        return -1;
+    }
+    return 0;
+}
+
+extern "C" void qrn_pclose(void* handle)
+{
+    auto* h = static_cast<PipeHandle*>(handle);
+    if (!h) return;
+    if (h->input) close(h->input);
+    if (h->stream)
+        fclose(h->stream);  // closes the output descriptor as well
+    else if (h->output)
+        close(h->output);
+    if (!h->exited) {
+        // Our ends are closed, so the command sees end of input and a broken
+        // pipe; reap it so no zombie is left behind.
+        int status;
+        if (waitpid(h->pid, &status, WNOHANG) == 0) {
+            kill(h->pid, SIGKILL);
+            waitpid(h->pid, &status, 0);
+        }
+    }
+    free(h);
+}

@@ -1,0 +1,64 @@
+#pragma once
+// Running the probe programs: the child process with its three pipes, the
+// response header that precedes a node dump, and the result record.
+#include "common/vartree/VtStream.h"
+#include "common/vartree/vtree.h"
+
+struct VtExecInfo {
+    int result = -1;  // -1 when no valid header was read
+    int major = 0;
+    int minor = 0;
+    char* message = nullptr;  // null when no valid header
+    VtNode* root = nullptr;   // null without a header or when the dump was malformed
+    ~VtExecInfo();
+};
+
+class VtProcess {
+public:
+    VtProcess();
+    // Closes the descriptors; neither waits for nor kills the child.
+    virtual ~VtProcess();
+    VtProcess(const VtProcess&) = delete;
+    VtProcess& operator=(const VtProcess&) = delete;
+
+    // Starts `program` with `args` split on blanks (at most 62 tokens) and,
+    // when `errorLog` can be opened, its standard error in that file. Null
+    // when the process cannot be created.
+    static VtProcess* create(const char* program, const char* args, const char* errorLog);
+
+    virtual void destroy();   // SIGKILL, then forget the pid
+    virtual int exitValue();  // -1 until known
+    virtual int waitFor();    // reaps the child; returns exitValue()
+    void closeUnusedHandles();
+
+    VtOStream* getStdin() const { return m_stdin; }
+    VtIStream* getStdout() const { return m_stdout; }
+    VtIStream* getStderr() const { return m_stderr; }
+    int pid() const { return m_pid; }
+
+private:
+    VtOStream* m_stdin = nullptr;
+    VtIStream* m_stdout = nullptr;
+    VtIStream* m_stderr = nullptr;
+    int m_pid = -1;
+    int m_exitValue = -1;
+    int m_stdinPipe[2] = {-1, -1};
+    int m_stdoutPipe[2] = {-1, -1};
+    int m_stderrPipe[2] = {-1, -1};
+    bool m_pipesOk = false;
+};
+
+VtExecInfo* vtParseProgramOutput(VtIStream* out);
+VtExecInfo* vtExecProgram(const char* program, const char* args, const char* errorLog);
+// Runs $NIM_HOMEDIR/bin/<command>, or <command> itself without NIM_HOMEDIR.
+VtExecInfo* vtExecCommand(const char* command, const char* args, const char* errorLog);
+int vtExecTest(const char* command);
+// Producer side of the header: "1.0 <result> <message>".
+void vtDumpResponse(int result, const char* message);
+
+VtVariant* vtGetValue(VtExecInfo* info, const char* path, const char* name);
+int vtGetValue(VtExecInfo* info, const char* path, const char* name, int def);
+const char* vtGetValue(VtExecInfo* info, const char* path, const char* name, const char* def);
+int vtGetValue(const VtVariant* v, int def);
+const char* vtGetValue(const VtVariant* v, const char* def);
+VtNode* vtGetNode(const VtExecInfo* info, const char* name, int index);

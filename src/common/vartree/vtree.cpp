@@ -1,0 +1,451 @@
+#include "common/vartree/vtree.h"
+
+#include <cctype>
+#include <climits>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <cwchar>
+#include <string>
+#include <vector>
+
+#include "framework/utils.h"
+
+// Programming errors (null node, value, name or root) stop the process, in
+// every build type.
+#define VT_ASSERT(expr)                                                                                    \
+    do {                                                                                                   \
+        if (!(expr)) {                                                                                     \
+            std::fprintf(stderr, "%s:%d: %s: Assertion `%s' failed.\n", "./../../../src/common/vartree/vtree", \
+                         __LINE__, __func__, #expr);                                                      \
+            std::abort();                                                                                  \
+        }                                                                                                  \
+    } while (0)
+
+// ---- ownership --------------------------------------------------------------
+
+VtVariant::~VtVariant()
+{
+    delete[] name;
+    switch (type) {
+    case VT_STRING: delete[] value.s; break;
+    case VT_WSTRING: delete[] value.u; break;
+    case VT_DATA: delete[] value.d.bytes; break;
+    default: break;
+    }
+}
+
+namespace {
+void freeValues(VtVariant* v)
+{
+    while (v) {
+        VtVariant* following = v->next;
+        delete v;
+        v = following;
+    }
+}
+}  // namespace
+
+VtNode::~VtNode()
+{
+    delete[] name;
+    freeValues(values);
+    // Siblings are freed in a loop, so a long child list costs no stack; the
+    // depth of recursion is the nesting depth, which the parser bounds.
+    VtNode* c = children;
+    while (c) {
+        VtNode* sibling = c->next;
+        c->next = nullptr;
+        delete c;
+        c = sibling;
+    }
+}
+
+char* vtStrDup(const char* text)
+{
+    if (!text) return nullptr;
+    const size_t n = std::strlen(text) + 1;
+    char* copy = new char[n];
+    std::memcpy(copy, text, n);
+    return copy;
+}
+
+wchar_t* vtStrDup(const wchar_t* text)
+{
+    if (!text) return nullptr;
+    const size_t n = std::wcslen(text) + 1;
+    wchar_t* copy = new wchar_t[n];
+    std::wmemcpy(copy, text, n);
+    return copy;
+}
+
+unsigned char* vtBufDup(const unsigned char* bytes, unsigned int size)
+{
+    if (!bytes) return nullptr;
+    unsigned char* copy = new unsigned char[size ? size : 1];
+    if (size) std::memcpy(copy, bytes, size);
+    return copy;
+}
+
+// ---- building and looking up ------------------------------------------------
+
+int VtNode::addValue(VtVariant* v)
+{
+    VT_ASSERT(v != 0);
+    VT_ASSERT(v->name != 0);
+    v->next = nullptr;
+    if (!values) {
+        values = v;
+    } else {
+        VtVariant* tail = values;
+        while (tail->next) tail = tail->next;
+        tail->next = v;
+    }
+    return 1;
+}
+
+int VtNode::addChild(VtNode* n)
+{
+    VT_ASSERT(n != 0);
+    VT_ASSERT(n->name != 0);
+    n->next = nullptr;
+    if (!children) {
+        children = n;
+    } else {
+        VtNode* tail = children;
+        while (tail->next) tail = tail->next;
+        tail->next = n;
+    }
+    return 1;
+}
+
+VtNode* VtNode::getChild(const char* childName, int index) const
+{
+    for (VtNode* c = children; c; c = c->next) {
+        if (childName && std::strcmp(c->name, childName) != 0) continue;
+        if (index-- == 0) return c;
+    }
+    return nullptr;
+}
+
+VtVariant* VtNode::getValue(const char* valueName) const
+{
+    VT_ASSERT(valueName != 0);
+    for (VtVariant* v = values; v; v = v->next)
+        if (std::strcmp(v->name, valueName) == 0) return v;
+    return nullptr;
+}
+
+VtVariant* VtNode::getValue(const char* path, const char* valueName) const
+{
+    VT_ASSERT(valueName != 0);
+    const VtNode* node = this;
+    if (path) {
+        // Components are walked left to right; an empty one ends the walk.
+        const char* at = path;
+        while (node) {
+            const char* dot = std::strchr(at, '.');
+            const std::string component = dot ? std::string(at, static_cast<size_t>(dot - at)) : std::string(at);
+            if (component.empty()) break;
+            node = node->getChild(component.c_str(), 0);
+            if (!dot) break;
+            at = dot + 1;
+        }
+    }
+    return node ? node->getValue(valueName) : nullptr;
+}
+
+const char* VtNode::getValue(const char* path, const char* valueName, const char* def) const
+{
+    const VtVariant* v = getValue(path, valueName);
+    return v && v->type == VT_STRING ? v->value.s : def;
+}
+
+int VtNode::getValue(const char* path, const char* valueName, int def) const
+{
+    const VtVariant* v = getValue(path, valueName);
+    return v && v->type == VT_INT ? v->value.i : def;
+}
+
+float VtNode::getValueF(const char* path, const char* valueName, float def) const
+{
+    const VtVariant* v = getValue(path, valueName);
+    return v && v->type == VT_FLOAT ? static_cast<float>(v->value.f) : def;
+}
+
+// ---- reading lines ------------------------------------------------------------
+
+VtILineStream::VtILineStream(VtIStream* source)
+    : m_source(source), m_buffer(new char[BUFFER_SIZE + 1])
+{
+}
+
+char* VtILineStream::get_next_line()
+{
+    char* b = m_buffer.get();
+    for (int i = m_pos; i < m_fill; ++i) {
+        if (b[i] == '\r') {
+            b[i] = '\0';
+        } else if (b[i] == '\n') {
+            b[i] = '\0';
+            char* line = b + m_pos;
+            m_pos = i + 1;
+            return line;
+        }
+    }
+    return nullptr;
+}
+
+char* VtILineStream::getline(char* dst, unsigned int len, int)
+{
+    char* b = m_buffer.get();
+    char* line = get_next_line();
+    if (!line) {
+        std::memmove(b, b + m_pos, static_cast<size_t>(m_fill - m_pos));
+        m_fill -= m_pos;
+        m_pos = 0;
+        b[m_fill] = '\0';
+        while (!m_eof) {
+            // A full buffer asks for 0 bytes, which ends the stream: the
+            // buffered bytes then come back as one last line.
+            int n = m_source ? m_source->read(b + m_fill, static_cast<unsigned>(BUFFER_SIZE - m_fill)) : 0;
+            if (n <= 0) {  // a read error counts as the end of input
+                m_eof = true;
+                n = 0;
+            }
+            m_fill += n;
+            if ((line = get_next_line()) != nullptr) break;
+        }
+        if (!line) {
+            if (m_fill == 0) return nullptr;
+            b[m_fill] = '\0';
+            for (int i = 0; i < m_fill; ++i)
+                if (b[i] == '\r') b[i] = '\0';
+            line = b;
+            m_pos = m_fill = 0;
+        }
+    }
+    if (len == 0) return dst;
+    std::strncpy(dst, line, len);
+    dst[len - 1] = '\0';
+    return dst;
+}
+
+// ---- parsing ------------------------------------------------------------------
+
+namespace {
+
+constexpr int kLineBuffer = 102400;
+
+// The text up to the first line end, or the first byte sequence that is no
+// character of the current locale.
+size_t cutLength(const char* text)
+{
+    const int maxLength = static_cast<int>(MB_CUR_MAX);
+    size_t n = 0;
+    std::mblen(nullptr, 0);
+    while (text[n] && text[n] != '\r' && text[n] != '\n') {
+        int step = std::mblen(text + n, static_cast<size_t>(maxLength));
+        if (step < 0) break;
+        if (step == 0) step = 1;
+        n += static_cast<size_t>(step);
+    }
+    return n;
+}
+
+int hexDigit(char c)
+{
+    if (c >= 'a' && c <= 'f') return c - 'a' + 10;
+    if (c >= 'A' && c <= 'F') return c - 'A' + 10;
+    return c - '0';  // deliberately unchecked
+}
+
+// "N,hexdigits": 0 with the bytes, -1 without the ",", -3 when short.
+int parseHex(const char* text, unsigned char*& bytes, unsigned int& count)
+{
+    bytes = nullptr;
+    count = 0;
+    const long long n = std::atoll(text);
+    const char* comma = std::strchr(text, ',');
+    if (!comma) return -1;
+    if (n <= 0) return 0;
+    const char* digits = comma + 1;
+    // Check the digits are there before allocating: a count is outside input.
+    if (static_cast<unsigned long long>(std::strlen(digits)) < 2ull * static_cast<unsigned long long>(n)) return -3;
+    bytes = new unsigned char[static_cast<size_t>(n)];
+    for (long long i = 0; i < n; ++i)
+        bytes[i] = static_cast<unsigned char>(hexDigit(digits[2 * i]) * 16 + hexDigit(digits[2 * i + 1]));
+    count = static_cast<unsigned int>(n);
+    return 0;
+}
+
+int parseValueLine(const char* line, VtNode* current)
+{
+    const char* colon = std::strchr(line, ':');
+    const char* equals = std::strchr(line, '=');
+    if (!colon || !equals || equals != colon + 2) return VT_ERR_VALUE_SYNTAX;
+    const char kind = colon[1];
+    const char* text = equals + 1;
+
+    auto* v = new VtVariant;
+    switch (kind) {
+    case 'i':
+        v->type = VT_INT;
+        v->value.i = std::atoi(std::string(text, cutLength(text)).c_str());
+        break;
+    case 'f': {
+        v->type = VT_FLOAT;
+        double d = 0;
+        utils::charToDouble(std::string(text, cutLength(text)).c_str(), d);
+        v->value.f = d;
+        break;
+    }
+    case 's': {
+        v->type = VT_STRING;
+        v->value.s = vtStrDup(std::string(text, cutLength(text)).c_str());
+        break;
+    }
+    case 'd':
+    case 'u': {
+        unsigned char* bytes;
+        unsigned int count;
+        if (parseHex(text, bytes, count) != 0) {
+            delete v;
+            return VT_ERR_HEX;
+        }
+        if (kind == 'd') {
+            v->type = VT_DATA;
+            v->value.d.bytes = bytes;
+            v->value.d.length = count;
+        } else {
+            v->type = VT_WSTRING;
+            const std::wstring wide =
+                bytes ? utils::utf8ToWideChar(std::string(reinterpret_cast<const char*>(bytes), count)) : std::wstring();
+            delete[] bytes;
+            v->value.u = vtStrDup(wide.c_str());
+        }
+        break;
+    }
+    default:
+        delete v;
+        return VT_ERR_VALUE_TYPE;
+    }
+    v->name = vtStrDup(std::string(line, static_cast<size_t>(colon - line)).c_str());
+    current->addValue(v);
+    return VT_OK;
+}
+
+}  // namespace
+
+int vtParseNodeDump(VtILineStream* in, VtNode* root)
+{
+    VT_ASSERT(root != 0);
+    std::vector<char> buffer(kLineBuffer);
+    std::vector<VtNode*> parents;  // open parents; bounded
+    VtNode* current = root;
+    int status = VT_OK;
+
+    while (status == VT_OK && in->getline(buffer.data(), kLineBuffer, -1)) {
+        const char* p = buffer.data();
+        while (*p && std::isspace(static_cast<unsigned char>(*p))) ++p;
+        const char c = *p;
+        if (c == '(') {
+            if (parents.size() >= static_cast<size_t>(VT_MAX_DEPTH)) {
+                status = VT_ERR_TOO_DEEP;
+                break;
+            }
+            auto* node = new VtNode;
+            node->name = vtStrDup(std::string(p + 1, std::strcspn(p + 1, "\r\n")).c_str());
+            parents.push_back(current);
+            current = node;
+        } else if (c == ')') {
+            if (parents.empty()) {
+                status = VT_ERR_CLOSE;
+                break;
+            }
+            VtNode* parent = parents.back();
+            parents.pop_back();
+            parent->addChild(current);
+            current = parent;
+        } else if (c == ';' || c == '\0' || c == '\r' || c == '\n') {
+            continue;
+        } else if (std::isalnum(static_cast<unsigned char>(c))) {
+            status = parseValueLine(p, current);
+        } else {
+            status = VT_ERR_BAD_LINE;
+        }
+    }
+    // Nodes still open were never attached: they are dropped.
+    while (!parents.empty()) {
+        delete current;
+        current = parents.back();
+        parents.pop_back();
+    }
+    return status;
+}
+
+VtNode* vtParseNodeDump(VtILineStream* in)
+{
+    auto* root = new VtNode;
+    root->name = vtStrDup("");
+    if (vtParseNodeDump(in, root) != VT_OK) {
+        delete root;
+        return nullptr;
+    }
+    return root;
+}
+
+// ---- writing ------------------------------------------------------------------
+
+const char* vtGetIndentString()
+{
+    static const char indent[] = "   ";
+    return indent;
+}
+
+void vtIndent(int n)
+{
+    for (int i = 0; i < n; ++i) std::fputs(vtGetIndentString(), stdout);
+}
+
+namespace {
+void dumpBytes(const char* name, char letter, const unsigned char* bytes, unsigned int count)
+{
+    std::printf("%s:%c=%u,", name, letter, count);
+    for (unsigned int i = 0; i < count; ++i) std::printf("%02x", bytes[i]);
+    std::printf("\n");
+}
+}  // namespace
+
+void vtDumpValue(const VtVariant* value, int indent)
+{
+    VT_ASSERT(value != 0);
+    VT_ASSERT(value->name != 0);
+    vtIndent(indent);
+    switch (value->type) {
+    case VT_INT: std::printf("%s:%c=%d\n", value->name, 'i', value->value.i); break;
+    case VT_STRING: std::printf("%s:%c=%s\n", value->name, 's', value->value.s ? value->value.s : ""); break;
+    case VT_FLOAT: std::printf("%s:%c=%f\n", value->name, 'f', value->value.f); break;
+    case VT_WSTRING: {
+        const std::string utf8 = utils::stringToUTF8(std::wstring(value->value.u ? value->value.u : L""));
+        dumpBytes(value->name, 'u', reinterpret_cast<const unsigned char*>(utf8.data()),
+                  static_cast<unsigned>(utf8.size()));
+        break;
+    }
+    case VT_DATA: dumpBytes(value->name, 'd', value->value.d.bytes, value->value.d.length); break;
+    default: std::printf("%s:?=%p\n", value->name, static_cast<const void*>(value)); break;
+    }
+}
+
+void vtDumpNode(const VtNode* node, int indent)
+{
+    if (!node) return;
+    VT_ASSERT(node->name != 0);
+    vtIndent(indent);
+    std::printf("%c%s\n", '(', node->name);
+    for (const VtVariant* v = node->values; v; v = v->next) vtDumpValue(v, indent + 1);
+    for (const VtNode* c = node->children; c; c = c->next) vtDumpNode(c, indent + 1);
+    vtIndent(indent);
+    std::printf("%c\n", ')');
+    std::fflush(stdout);
+}

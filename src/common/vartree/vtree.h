@@ -1,0 +1,96 @@
+#pragma once
+// The variable tree and its node-dump text format: named nodes carrying
+// named, typed values, as the probe programs print them.
+#include <memory>
+
+#include "common/vartree/VtStream.h"
+
+enum VtValueKind { VT_INT = 0, VT_STRING = 1, VT_FLOAT = 2, VT_WSTRING = 3, VT_DATA = 4 };
+
+// Parse status codes.
+enum {
+    VT_OK = 0,
+    VT_ERR_BAD_LINE = -1,      // a line starts with an unexpected character
+    VT_ERR_CLOSE = -4,         // ")" with no open node
+    VT_ERR_VALUE_SYNTAX = -5,  // no ":" or the "=" is not two characters after it
+    VT_ERR_VALUE_TYPE = -6,    // unknown type letter
+    VT_ERR_TOO_DEEP = -7,      // nodes nested deeper than VT_MAX_DEPTH
+    VT_ERR_HEX = -9,           // malformed hex byte string
+};
+constexpr int VT_MAX_DEPTH = 131;  // open parents the parser keeps
+
+struct VtVariant {
+    VtVariant() = default;
+    ~VtVariant();
+    VtVariant(const VtVariant&) = delete;
+    VtVariant& operator=(const VtVariant&) = delete;
+
+    char* name = nullptr;
+    int type = VT_INT;
+    VtVariant* next = nullptr;
+    union {
+        int i;
+        char* s;
+        double f;
+        wchar_t* u;
+        struct {
+            unsigned char* bytes;
+            unsigned int length;
+        } d;
+    } value{};
+};
+
+struct VtNode {
+    VtNode() = default;
+    ~VtNode();  // frees values and children, iteratively along sibling lists
+    VtNode(const VtNode&) = delete;
+    VtNode& operator=(const VtNode&) = delete;
+
+    int addValue(VtVariant* v);
+    int addChild(VtNode* n);
+
+    // Null name: the index-th child; otherwise the index-th child of that name.
+    VtNode* getChild(const char* name, int index) const;
+    VtVariant* getValue(const char* name) const;
+    // `path` is "A.B.C" below this node (null: this node).
+    VtVariant* getValue(const char* path, const char* name) const;
+    const char* getValue(const char* path, const char* name, const char* def) const;
+    int getValue(const char* path, const char* name, int def) const;
+    float getValueF(const char* path, const char* name, float def) const;
+
+    char* name = nullptr;
+    VtNode* next = nullptr;
+    VtVariant* values = nullptr;
+    VtNode* children = nullptr;
+};
+
+char* vtStrDup(const char* text);
+wchar_t* vtStrDup(const wchar_t* text);
+unsigned char* vtBufDup(const unsigned char* bytes, unsigned int size);
+
+// Buffered line splitter. Lines end at a line feed; every carriage return is
+// cut out (and cuts its line); a line longer than the buffer ends the stream.
+class VtILineStream {
+public:
+    static constexpr int BUFFER_SIZE = 409600;
+    explicit VtILineStream(VtIStream* source);
+    // Next line into dst (at most len - 1 bytes kept); null at the end.
+    char* getline(char* dst, unsigned int len, int timeout = -1);
+
+private:
+    char* get_next_line();
+
+    VtIStream* m_source;
+    bool m_eof = false;
+    std::unique_ptr<char[]> m_buffer;
+    int m_pos = 0;
+    int m_fill = 0;
+};
+
+int vtParseNodeDump(VtILineStream* in, VtNode* root);
+VtNode* vtParseNodeDump(VtILineStream* in);  // a root named "", or null on error
+
+void vtIndent(int n);
+const char* vtGetIndentString();
+void vtDumpNode(const VtNode* node, int indent);
+void vtDumpValue(const VtVariant* value, int indent);

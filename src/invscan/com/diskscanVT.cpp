@@ -1,0 +1,32 @@
+#include "framework/Trace.h"
+#include "invscan/com/probeVT.h"
+
+namespace probes {
+extern VtExecInfo* g_cpuid;
+VtExecInfo* g_diskscan = nullptr;
+
+void resetCacheForTests()
+{
+    delete g_cpuid;
+    delete g_diskscan;
+    g_cpuid = g_diskscan = nullptr;
+}
+}  // namespace probes
+
+VtExecInfo* getDiskScanVT()
+{
+    static const char* const kSource = "./../../../src/invscan/com/diskscanVT";
+    const int hLog = getCcLogHw();
+    if (!probes::g_diskscan) {
+        VtExecInfo* info = vtExecCommand("diskscan", nullptr, nullptr);
+        if (info) {
+            probes::g_diskscan = info;
+            CcLogWrapper::traceMAX(hLog, __LINE__, kSource, "getDiskScanVT()", "[I] VT command executed, rc=%d",
+                                   info->result);
+        } else {
+            CcLogWrapper::traceMIN(hLog, __LINE__, kSource, "getDiskScanVT()", "[E] %s",
+                                   "Could not execute VT command!");
+        }
+    }
+    return probes::g_diskscan;
+}
