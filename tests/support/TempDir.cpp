@@ -1,0 +1,81 @@
+#include "support/TempDir.h"
+
+#include <dirent.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <fstream>
+
+namespace testsupport {
+
+TempDir::TempDir()
+{
+    char name[] = "/tmp/invscan-test-XXXXXX";
+    if (mkdtemp(name)) m_path = name;
+}
+
+TempDir::~TempDir()
+{
+    if (!m_path.empty()) {
+        const std::string command = "rm -rf '" + m_path + "'";
+        if (std::system(command.c_str()) != 0) {
+            // a leftover temp folder is harmless
+        }
+    }
+}
+
+std::string TempDir::write(const std::string& relative, const std::string& content, int mode) const
+{
+    const std::string full = m_path + "/" + relative;
+    for (size_t slash = full.find('/', m_path.size() + 1); slash != std::string::npos;
+         slash = full.find('/', slash + 1))
+        mkdir(full.substr(0, slash).c_str(), 0755);
+    std::ofstream(full, std::ios::binary) << content;
+    chmod(full.c_str(), static_cast<mode_t>(mode));
+    return full;
+}
+
+std::string TempDir::script(const std::string& relative, const std::string& body) const
+{
+    return write(relative, "#!/bin/sh\n" + body, 0755);
+}
+
+ScopedEnv::ScopedEnv(const char* name, const char* value) : m_name(name)
+{
+    const char* old = std::getenv(name);
+    m_had = old != nullptr;
+    if (old) m_old = old;
+    if (value)
+        setenv(name, value, 1);
+    else
+        unsetenv(name);
+}
+
+ScopedEnv::~ScopedEnv()
+{
+    if (m_had)
+        setenv(m_name.c_str(), m_old.c_str(), 1);
+    else
+        unsetenv(m_name.c_str());
+}
+
+int openDescriptorCount()
+{
+    int n = 0;
+    if (DIR* d = opendir("/proc/self/fd")) {
+        while (readdir(d)) ++n;
+        closedir(d);
+    }
+    return n;
+}
+
+bool hasZombieChild()
+{
+    siginfo_t info{};
+    return waitid(P_ALL, 0, &info, WEXITED | WNOHANG | WNOWAIT) == 0 && info.si_pid != 0;
+}
+
+}  // namespace testsupport
