@@ -49,6 +49,7 @@ TEST_F(Throttle, HoldsABusyLoopNearItsPercentage)
 {
     const Measured run = busyScan(25, 25);
     const double share = run.cpu / run.wall;
+    RecordProperty("cpu_share_percent", static_cast<int>(share * 100 + 0.5));
     // Unthrottled, the loop would use close to 100 %.
     EXPECT_LT(share, 0.25 + 0.12) << "cpu " << run.cpu << " s over " << run.wall << " s";
     EXPECT_GT(CpuThreshold::totalSleepSeconds(), run.cpu);

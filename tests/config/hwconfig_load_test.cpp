@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
+#include <list>
 #include <string>
 #include <vector>
 
@@ -142,12 +143,15 @@ TEST_F(HWConfigLoad, BadSettingsAreIgnoredWithAnError)
 
 TEST_F(HWConfigLoad, AMissingFileTracesTheOpenFailureAndLeavesEmptyLists)
 {
-    ASSERT_EQ(m_factory->loadNodeFromFile(write("NimHWConfig.xml", GOOD), 0), 0);
+    const std::string good = write("NimHWConfig.xml", GOOD);
+    ASSERT_EQ(m_factory->loadNodeFromFile(good, 0), 0);
+    EXPECT_EQ(m_factory->getLoadedFiles(), std::list<String>{String(good)});
     const std::string path = m_dir + "/absent.xml";
     trace::Capture capture(trace::Level::Max);
     EXPECT_EQ(m_factory->loadNodeFromFile(path, 0), XmlNimParser::STATUS_OPEN_FAILED);
     EXPECT_TRUE(capture.contains("hardware ERROR! Failed to open file " + path + " for reading"));
     expectEmpty();
+    EXPECT_TRUE(m_factory->getLoadedFiles().empty());
 }
 
 struct BadFile {

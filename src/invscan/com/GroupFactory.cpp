@@ -163,6 +163,7 @@ void GroupFactory::clearConfiguration()
 {
     // The lists are emptied, never replaced: groups still alive point at them.
     m_globalAttrs.clear();
+    m_loadedFiles.clear();
     for (auto& entry : m_groupAttrs) entry.second.clear();
     for (ProcessorInfo* info : m_processors) delete info;
     m_processors.clear();

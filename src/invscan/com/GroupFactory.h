@@ -48,7 +48,7 @@ public:
     const AttrList* getGroupAttrList(const String& groupName) const;
     const std::vector<ProcessorInfo*>& getProcessorInfo() const { return m_processors; }
     const std::vector<QCMInfo*>& getQCMInfo() const { return m_qcms; }
-    // The files loaded so far, in order.
+    // The file the last successful load read (empty after a failed one).
     const std::list<String>& getLoadedFiles() const { return m_loadedFiles; }
     // Settings in force after the last load (texts as read).
     const String& getPriorityText() const { return m_priority; }
