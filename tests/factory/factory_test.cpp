@@ -64,11 +64,6 @@ protected:
     GroupFactory* factory = nullptr;
 };
 
-TEST_F(Factory, IsOneInstanceForTheProcess)
-{
-    EXPECT_EQ(GroupFactory::getInstance(), factory);
-}
-
 TEST_F(Factory, ListsTheTwentyTwoGroupsInCatalogueOrder)
 {
     std::list<String> names{"already there"};
@@ -179,17 +174,7 @@ TEST_F(Factory, AttributeListsAreAttachedOnlyThroughGetGroup)
     char pattern[] = "/tmp/invscan-factory-XXXXXX";
     ASSERT_NE(mkstemp(pattern), -1);
     const std::string path = pattern;
-    std::ofstream(path) << "<NimHWConfig>"
-                           "<Hardware site=\"lab\" site=\"ignored\"/>"
-                           "<Hardware owner=\"ops\" site=\"second\"/>"
-                           "<Group Name=\"Storage\" skipTapes=\"yes\"/>"
-                           "<Group Name=\"Processor\" skipTapes=\"no\"/>"
-                           "</NimHWConfig>";
     WithStubGroups stubs;
-    const int loaded = factory->loadNodeFromFile(path, 0);
-    std::remove(path.c_str());
-    // A repeated attribute in one element is not XML: use two elements instead.
-    ASSERT_NE(loaded, 0);
     std::ofstream(path) << "<NimHWConfig>"
                            "<Hardware site=\"lab\"/>"
                            "<Hardware owner=\"ops\" site=\"second\"/>"
@@ -235,14 +220,6 @@ TEST_F(Factory, AGroupWithoutASectionGetsAnEmptyListCreatedOnDemand)
     EXPECT_EQ(storage->getGroupAttr(L"anything"), nullptr);
     EXPECT_EQ(storage->getGlobalAttr(L"anything"), nullptr);
     delete storage;
-}
-
-TEST_F(Factory, ScanBracketsDoNothingVisible)
-{
-    trace::Capture capture(trace::Level::Max);
-    factory->startScan();
-    factory->endScan();
-    EXPECT_TRUE(capture.records().empty());
 }
 
 TEST_F(Factory, BuildStampHasTheDateTimeFormAndNeverChanges)
