@@ -1,7 +1,6 @@
 #include "probes/cpuid/Decoder.h"
 
 #include <algorithm>
-#include <set>
 
 namespace cpuid {
 
@@ -213,11 +212,6 @@ Regs CpuDump::get(uint32_t leaf, uint32_t subleaf) const
 {
     auto it = m_regs.find({leaf, subleaf});
     return it == m_regs.end() ? Regs{} : it->second;
-}
-
-bool CpuDump::has(uint32_t leaf, uint32_t subleaf) const
-{
-    return m_regs.count({leaf, subleaf}) != 0;
 }
 
 uint32_t CpuDump::maxExtended() const

@@ -23,7 +23,6 @@ class CpuDump {
 public:
     void set(uint32_t leaf, uint32_t subleaf, const Regs& regs) { m_regs[{leaf, subleaf}] = regs; }
     Regs get(uint32_t leaf, uint32_t subleaf = 0) const;
-    bool has(uint32_t leaf, uint32_t subleaf = 0) const;
     bool empty() const { return m_regs.empty(); }
     const std::map<std::pair<uint32_t, uint32_t>, Regs>& all() const { return m_regs; }
 

@@ -12,6 +12,7 @@
 #include <cstring>
 #include <fstream>
 #include <map>
+#include <new>
 #include <sstream>
 
 #include "probes/cpuid/Collect.h"
@@ -85,7 +86,11 @@ int clockFromCpufreq(int cpu)
 }
 
 struct CpuMask {
-    CpuMask() : set(CPU_ALLOC(kMaskCpus)), size(CPU_ALLOC_SIZE(kMaskCpus)) { CPU_ZERO_S(size, set); }
+    CpuMask() : set(CPU_ALLOC(kMaskCpus)), size(CPU_ALLOC_SIZE(kMaskCpus))
+    {
+        if (!set) throw std::bad_alloc();
+        CPU_ZERO_S(size, set);
+    }
     ~CpuMask() { CPU_FREE(set); }
     CpuMask(const CpuMask&) = delete;
     CpuMask& operator=(const CpuMask&) = delete;
