@@ -3,7 +3,7 @@ JOBS ?= $(shell nproc)
 CMAKE_FLAGS ?=
 CTEST_FLAGS ?= --output-on-failure -j$(JOBS)
 
-.PHONY: all deps build scan test test32 sanitize bench fuzz clean
+.PHONY: all deps build scan test test32 sanitize bench fuzz fuzz-run clean
 
 all: build
 
@@ -39,6 +39,14 @@ fuzz:
 	@cmake -S . -B build-fuzz -DCMAKE_C_COMPILER=clang -DCMAKE_CXX_COMPILER=clang++ \
 	  -DINVSCAN_FUZZ=ON -DINVSCAN_TESTS=OFF -DINVSCAN_BENCH=OFF -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
 	@cmake --build build-fuzz -j$(JOBS)
+
+# Runs every fuzz target for FUZZ_TIME seconds each, one after the other.
+FUZZ_TIME ?= 300
+fuzz-run: fuzz
+	@for f in build-fuzz/bin/fuzz_*; do \
+	  mkdir -p build-fuzz/corpus/$$(basename $$f); \
+	  $$f -max_total_time=$(FUZZ_TIME) -print_final_stats=1 build-fuzz/corpus/$$(basename $$f) || exit 1; \
+	done
 
 clean:
 	rm -rf build build32 build-san build-fuzz

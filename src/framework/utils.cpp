@@ -2,7 +2,9 @@
 
 #include <regex.h>
 
+#include <charconv>
 #include <cstdint>
+#include <cstring>
 #include <sstream>
 #include <locale>
 
@@ -28,15 +30,16 @@ void trimBothInPlace(std::wstring& text) { text = trimmed(text); }
 bool charToDouble(const char* text, double& value)
 {
     if (!text) return false;
-    // A stream imbued with the classic locale reads '.' whatever the process
-    // locale says (strtod would follow LC_NUMERIC).
-    const std::string body = trimBoth(std::string(text));
-    if (body.empty()) return false;
-    std::istringstream in(body);
-    in.imbue(std::locale::classic());
+    // from_chars reads '.' whatever the process locale says (strtod would
+    // follow LC_NUMERIC), and costs no stream.
+    const char* begin = text;
+    const char* end = text + std::strlen(text);
+    while (begin < end && isSpace(static_cast<unsigned char>(*begin))) ++begin;
+    while (end > begin && isSpace(static_cast<unsigned char>(end[-1]))) --end;
+    if (begin < end && *begin == '+') ++begin;
     double parsed = 0;
-    in >> parsed;
-    if (in.fail() || !in.eof()) return false;
+    const auto result = std::from_chars(begin, end, parsed);
+    if (result.ec != std::errc() || result.ptr != end || begin == end) return false;
     value = parsed;
     return true;
 }

@@ -50,7 +50,8 @@ TEST(ResponseHeader, Forms)
     EXPECT_EQ(broken->result, 3);
     EXPECT_STREQ(broken->message, "partial");
     EXPECT_EQ(broken->root, nullptr);
-    EXPECT_EQ(vtParseProgramOutput(nullptr)->result, -1);
+    std::unique_ptr<VtExecInfo> none(vtParseProgramOutput(nullptr));
+    EXPECT_EQ(none->result, -1);
 }
 
 class ProbeRunner : public ::testing::Test {

@@ -183,20 +183,17 @@ VtILineStream::VtILineStream(VtIStream* source)
 char* VtILineStream::get_next_line()
 {
     char* b = m_buffer.get();
-    for (int i = m_pos; i < m_fill; ++i) {
-        if (b[i] == '\r') {
-            b[i] = '\0';
-        } else if (b[i] == '\n') {
-            b[i] = '\0';
-            char* line = b + m_pos;
-            m_pos = i + 1;
-            return line;
-        }
-    }
-    return nullptr;
+    char* start = b + m_pos;
+    auto* end = static_cast<char*>(std::memchr(start, '\n', static_cast<size_t>(m_fill - m_pos)));
+    if (!end) return nullptr;
+    *end = '\0';
+    // A carriage return cuts its line: the text after it is not kept.
+    if (char* cr = static_cast<char*>(std::memchr(start, '\r', static_cast<size_t>(end - start)))) *cr = '\0';
+    m_pos = static_cast<int>(end - b) + 1;
+    return start;
 }
 
-char* VtILineStream::getline(char* dst, unsigned int len, int)
+char* VtILineStream::nextLine()
 {
     char* b = m_buffer.get();
     char* line = get_next_line();
@@ -225,9 +222,19 @@ char* VtILineStream::getline(char* dst, unsigned int len, int)
             m_pos = m_fill = 0;
         }
     }
+    return line;
+}
+
+char* VtILineStream::getline(char* dst, unsigned int len, int)
+{
+    const char* line = nextLine();
+    if (!line) return nullptr;
     if (len == 0) return dst;
-    std::strncpy(dst, line, len);
-    dst[len - 1] = '\0';
+    // Not strncpy: it would pad every short line out to `len` bytes.
+    size_t n = std::strlen(line);
+    if (n > len - 1) n = len - 1;
+    std::memcpy(dst, line, n);
+    dst[n] = '\0';
     return dst;
 }
 
@@ -242,6 +249,7 @@ constexpr int kLineBuffer = 102400;
 size_t cutLength(const char* text)
 {
     const int maxLength = static_cast<int>(MB_CUR_MAX);
+    if (maxLength == 1) return std::strcspn(text, "\r\n");  // every byte is a character
     size_t n = 0;
     std::mblen(nullptr, 0);
     while (text[n] && text[n] != '\r' && text[n] != '\n') {
@@ -279,7 +287,44 @@ int parseHex(const char* text, unsigned char*& bytes, unsigned int& count)
     return 0;
 }
 
-int parseValueLine(const char* line, VtNode* current)
+// An open node with the tails of its lists: appending stays constant-time
+// however many siblings a probe prints.
+struct OpenNode {
+    VtNode* node;
+    VtNode* lastChild;
+    VtVariant* lastValue;
+};
+
+void appendValue(OpenNode& open, VtVariant* v)
+{
+    v->next = nullptr;
+    if (open.lastValue)
+        open.lastValue->next = v;
+    else
+        open.node->addValue(v);
+    open.lastValue = v;
+}
+
+void appendChild(OpenNode& open, VtNode* n)
+{
+    n->next = nullptr;
+    if (open.lastChild)
+        open.lastChild->next = n;
+    else
+        open.node->addChild(n);
+    open.lastChild = n;
+}
+
+// Copies the first `n` bytes of `text` as a new NUL-terminated string.
+char* dupPrefix(const char* text, size_t n)
+{
+    char* copy = new char[n + 1];
+    std::memcpy(copy, text, n);
+    copy[n] = '\0';
+    return copy;
+}
+
+int parseValueLine(const char* line, OpenNode& current)
 {
     const char* colon = std::strchr(line, ':');
     const char* equals = std::strchr(line, '=');
@@ -291,18 +336,20 @@ int parseValueLine(const char* line, VtNode* current)
     switch (kind) {
     case 'i':
         v->type = VT_INT;
-        v->value.i = std::atoi(std::string(text, cutLength(text)).c_str());
+        // Digits end before any line end or foreign byte: no cut needed.
+        v->value.i = static_cast<int>(std::strtol(text, nullptr, 10));
         break;
     case 'f': {
         v->type = VT_FLOAT;
         double d = 0;
-        utils::charToDouble(std::string(text, cutLength(text)).c_str(), d);
+        const size_t n = cutLength(text);
+        utils::charToDouble(text[n] ? std::string(text, n).c_str() : text, d);
         v->value.f = d;
         break;
     }
     case 's': {
         v->type = VT_STRING;
-        v->value.s = vtStrDup(std::string(text, cutLength(text)).c_str());
+        v->value.s = dupPrefix(text, cutLength(text));
         break;
     }
     case 'd':
@@ -330,8 +377,8 @@ int parseValueLine(const char* line, VtNode* current)
         delete v;
         return VT_ERR_VALUE_TYPE;
     }
-    v->name = vtStrDup(std::string(line, static_cast<size_t>(colon - line)).c_str());
-    current->addValue(v);
+    v->name = dupPrefix(line, static_cast<size_t>(colon - line));
+    appendValue(current, v);
     return VT_OK;
 }
 
@@ -340,14 +387,19 @@ int parseValueLine(const char* line, VtNode* current)
 int vtParseNodeDump(VtILineStream* in, VtNode* root)
 {
     VT_ASSERT(root != 0);
-    std::vector<char> buffer(kLineBuffer);
-    std::vector<VtNode*> parents;  // open parents; bounded
-    VtNode* current = root;
+    std::vector<OpenNode> parents;  // open parents; bounded
+    parents.reserve(VT_MAX_DEPTH);
+    OpenNode current{root, nullptr, nullptr};
+    for (VtNode* c = root->children; c; c = c->next) current.lastChild = c;
+    for (VtVariant* v = root->values; v; v = v->next) current.lastValue = v;
     int status = VT_OK;
 
-    while (status == VT_OK && in->getline(buffer.data(), kLineBuffer, -1)) {
-        const char* p = buffer.data();
-        while (*p && std::isspace(static_cast<unsigned char>(*p))) ++p;
+    char* line;
+    while (status == VT_OK && (line = in->nextLine()) != nullptr) {
+        // Lines are read in place; a longer one keeps its first bytes only.
+        if (strnlen(line, kLineBuffer) == kLineBuffer) line[kLineBuffer - 1] = '\0';
+        const char* p = line;
+        while (*p == ' ' || *p == '\t' || (*p && std::isspace(static_cast<unsigned char>(*p)))) ++p;
         const char c = *p;
         if (c == '(') {
             if (parents.size() >= static_cast<size_t>(VT_MAX_DEPTH)) {
@@ -355,18 +407,18 @@ int vtParseNodeDump(VtILineStream* in, VtNode* root)
                 break;
             }
             auto* node = new VtNode;
-            node->name = vtStrDup(std::string(p + 1, std::strcspn(p + 1, "\r\n")).c_str());
+            node->name = dupPrefix(p + 1, std::strcspn(p + 1, "\r\n"));
             parents.push_back(current);
-            current = node;
+            current = OpenNode{node, nullptr, nullptr};
         } else if (c == ')') {
             if (parents.empty()) {
                 status = VT_ERR_CLOSE;
                 break;
             }
-            VtNode* parent = parents.back();
+            VtNode* done = current.node;
+            current = parents.back();
             parents.pop_back();
-            parent->addChild(current);
-            current = parent;
+            appendChild(current, done);
         } else if (c == ';' || c == '\0' || c == '\r' || c == '\n') {
             continue;
         } else if (std::isalnum(static_cast<unsigned char>(c))) {
@@ -377,7 +429,7 @@ int vtParseNodeDump(VtILineStream* in, VtNode* root)
     }
     // Nodes still open were never attached: they are dropped.
     while (!parents.empty()) {
-        delete current;
+        delete current.node;
         current = parents.back();
         parents.pop_back();
     }

@@ -76,6 +76,8 @@ public:
     explicit VtILineStream(VtIStream* source);
     // Next line into dst (at most len - 1 bytes kept); null at the end.
     char* getline(char* dst, unsigned int len, int timeout = -1);
+    // Next line in place, valid until the next call; null at the end.
+    char* nextLine();
 
 private:
     char* get_next_line();
