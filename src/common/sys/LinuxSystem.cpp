@@ -1,0 +1,327 @@
+// Real answers on Linux, in Solaris shapes. What Linux has no equivalent for
+// (disk, SCSI and PROM controls, the memory device) fails as it would on a
+// Solaris machine without that facility.
+#if defined(__linux__)
+
+#include <sched.h>
+#include <sys/sysinfo.h>
+#include <sys/utsname.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <memory>
+#include <sstream>
+#include <string>
+
+#include "common/sys/PosixSystem.h"
+
+namespace sys {
+namespace {
+
+// The first line of a small file, without its line end; empty when unreadable.
+std::string firstLine(const std::string& path)
+{
+    std::ifstream in(path);
+    std::string line;
+    if (!in || !std::getline(in, line)) return std::string();
+    while (!line.empty() && (line.back() == '\n' || line.back() == '\r' || line.back() == ' ')) line.pop_back();
+    return line;
+}
+
+// sysinfo(2)'s contract: copy at most count-1 bytes and a NUL, return the
+// length needed with its NUL.
+long copyOut(const std::string& value, char* buf, long count)
+{
+    if (buf && count > 0) {
+        const size_t n = value.size() < static_cast<size_t>(count - 1) ? value.size() : static_cast<size_t>(count - 1);
+        std::memcpy(buf, value.data(), n);
+        buf[n] = '\0';
+    }
+    return static_cast<long>(value.size()) + 1;
+}
+
+// One "cpuN" line of /proc/stat as Solaris tick counters.
+struct CpuTicks {
+    int cpu;
+    cpu_stat_t stat;
+};
+
+std::vector<CpuTicks> readProcStat()
+{
+    std::vector<CpuTicks> cpus;
+    std::ifstream in("/proc/stat");
+    std::string line;
+    while (std::getline(in, line)) {
+        if (line.compare(0, 3, "cpu") != 0 || line.size() < 4 || line[3] < '0' || line[3] > '9') continue;
+        std::istringstream fields(line.substr(3));
+        int cpu = -1;
+        unsigned long long user = 0, nice = 0, system = 0, idle = 0, iowait = 0, irq = 0, softirq = 0;
+        fields >> cpu >> user >> nice >> system >> idle >> iowait >> irq >> softirq;
+        if (cpu < 0) continue;
+        CpuTicks t{};
+        t.cpu = cpu;
+        // USER_HZ ticks, cut to 32 bits as the Solaris record's counters are.
+        t.stat.cpu_sysinfo.cpu[CPU_IDLE] = static_cast<uint_t>(idle);
+        t.stat.cpu_sysinfo.cpu[CPU_USER] = static_cast<uint_t>(user + nice);
+        t.stat.cpu_sysinfo.cpu[CPU_KERNEL] = static_cast<uint_t>(system + irq + softirq);
+        t.stat.cpu_sysinfo.cpu[CPU_WAIT] = static_cast<uint_t>(iowait);
+        cpus.push_back(t);
+    }
+    return cpus;
+}
+
+// The handle kstat_open gives out: the chain and the records' data.
+struct LinuxKstatChain {
+    kstat_ctl_t ctl;  // first: callers hold a pointer to it
+    std::vector<kstat_t> records;
+    std::vector<cpu_stat_t> data;
+};
+
+void buildChain(LinuxKstatChain& chain)
+{
+    const std::vector<CpuTicks> cpus = readProcStat();
+    chain.records.assign(cpus.size(), kstat_t{});
+    chain.data.assign(cpus.size(), cpu_stat_t{});
+    for (size_t i = 0; i < cpus.size(); ++i) {
+        kstat_t& k = chain.records[i];
+        k.ks_next = i + 1 < cpus.size() ? &chain.records[i + 1] : nullptr;
+        k.ks_kid = static_cast<kid_t>(i + 1);
+        std::snprintf(k.ks_module, sizeof k.ks_module, "%s", "cpu_stat");
+        k.ks_instance = cpus[i].cpu;
+        std::snprintf(k.ks_name, sizeof k.ks_name, "cpu_stat%d", cpus[i].cpu);
+        std::snprintf(k.ks_class, sizeof k.ks_class, "%s", "misc");
+        k.ks_type = KSTAT_TYPE_RAW;
+        k.ks_ndata = 1;
+        k.ks_data_size = sizeof(cpu_stat_t);
+    }
+    chain.ctl.kc_chain = chain.records.empty() ? nullptr : &chain.records[0];
+    chain.ctl.kc_chain_id = 1;
+    chain.ctl.kc_kd = -1;
+}
+
+class LinuxSystem : public PosixSystem {
+public:
+    long sysinfo(int command, char* buf, long count) override
+    {
+        struct utsname u;
+        if (uname(&u) != 0) return -1;
+        switch (command) {
+        case SI_SYSNAME: return copyOut(u.sysname, buf, count);
+        case SI_HOSTNAME: return copyOut(u.nodename, buf, count);
+        case SI_RELEASE: return copyOut(u.release, buf, count);
+        case SI_VERSION: return copyOut(u.version, buf, count);
+        case SI_MACHINE:
+        case SI_ARCHITECTURE: return copyOut(u.machine, buf, count);
+        case SI_HW_SERIAL: {
+            // The host id as an unsigned decimal, as the Solaris kernel keeps it.
+            char id[HW_HOSTID_LEN + 1];
+            std::snprintf(id, sizeof id, "%lu", static_cast<unsigned long>(static_cast<uint32_t>(::gethostid())));
+            return copyOut(id, buf, count);
+        }
+        case SI_HW_PROVIDER: {
+            const std::string vendor = firstLine("/sys/class/dmi/id/sys_vendor");
+            return copyOut(vendor.empty() ? std::string(u.sysname) : vendor, buf, count);
+        }
+        case SI_PLATFORM: {
+            const std::string product = firstLine("/sys/class/dmi/id/product_name");
+            return copyOut(product.empty() ? std::string(u.machine) : product, buf, count);
+        }
+        default: errno = EINVAL; return -1;
+        }
+    }
+
+    int swapctl(int cmd, void* arg) override
+    {
+        switch (cmd) {
+        case SC_GETNSWP: return static_cast<int>(readSwaps().size());
+        case SC_LIST: {
+            auto* table = static_cast<swaptbl_t*>(arg);
+            if (!table) {
+                errno = EFAULT;
+                return -1;
+            }
+            const std::vector<Swap> swaps = readSwaps();
+            if (table->swt_n < static_cast<int>(swaps.size())) {
+                errno = ENOMEM;
+                return -1;
+            }
+            const long pageKB = ::sysconf(_SC_PAGESIZE) / 1024;
+            for (size_t i = 0; i < swaps.size(); ++i) {
+                swapent& e = table->swt_ent[i];
+                if (e.ste_path) std::snprintf(e.ste_path, 1024, "%s", swaps[i].path.c_str());
+                e.ste_start = 0;
+                e.ste_length = static_cast<int32_t>(swaps[i].sizeKB * 2);
+                e.ste_pages = static_cast<long>(swaps[i].sizeKB / pageKB);
+                e.ste_free = static_cast<long>((swaps[i].sizeKB - swaps[i].usedKB) / pageKB);
+                e.ste_flags = 0;
+            }
+            return static_cast<int>(swaps.size());
+        }
+        case SC_AINFO: {
+            auto* info = static_cast<anoninfo*>(arg);
+            struct ::sysinfo si;
+            if (!info || ::sysinfo(&si) != 0) {
+                errno = EFAULT;
+                return -1;
+            }
+            const unsigned long long page = static_cast<unsigned long long>(::sysconf(_SC_PAGESIZE));
+            const unsigned long long total = static_cast<unsigned long long>(si.totalswap) * si.mem_unit / page;
+            const unsigned long long free = static_cast<unsigned long long>(si.freeswap) * si.mem_unit / page;
+            info->ani_max = static_cast<pgcnt_t>(total);
+            info->ani_free = static_cast<pgcnt_t>(free);
+            info->ani_resv = static_cast<pgcnt_t>(total - free);
+            return 0;
+        }
+        default: errno = ENOSYS; return -1;  // adding and removing swap is not ours to do
+        }
+    }
+
+    kstat_ctl_t* kstat_open() override
+    {
+        auto* chain = new LinuxKstatChain;
+        buildChain(*chain);
+        return &chain->ctl;
+    }
+
+    int kstat_close(kstat_ctl_t* kc) override
+    {
+        delete reinterpret_cast<LinuxKstatChain*>(kc);
+        return 0;
+    }
+
+    kstat_t* kstat_lookup(kstat_ctl_t* kc, char* module, int instance, char* name) override
+    {
+        for (kstat_t* k = kc ? kc->kc_chain : nullptr; k; k = k->ks_next) {
+            if (module && std::strcmp(k->ks_module, module) != 0) continue;
+            if (instance != -1 && k->ks_instance != instance) continue;
+            if (name && std::strcmp(k->ks_name, name) != 0) continue;
+            return k;
+        }
+        errno = ENOENT;
+        return nullptr;
+    }
+
+    kid_t kstat_read(kstat_ctl_t* kc, kstat_t* ksp, void* buf) override
+    {
+        auto* chain = reinterpret_cast<LinuxKstatChain*>(kc);
+        if (!chain || !ksp) {
+            errno = EINVAL;
+            return -1;
+        }
+        // A fresh snapshot of this processor's ticks.
+        for (const CpuTicks& t : readProcStat()) {
+            if (t.cpu != ksp->ks_instance) continue;
+            const size_t i = static_cast<size_t>(ksp - chain->records.data());
+            if (i >= chain->data.size()) break;
+            chain->data[i] = t.stat;
+            ksp->ks_data = &chain->data[i];
+            if (buf) std::memcpy(buf, &chain->data[i], sizeof(cpu_stat_t));
+            return kc->kc_chain_id;
+        }
+        errno = ENXIO;  // the processor went away
+        return -1;
+    }
+
+    kid_t kstat_chain_update(kstat_ctl_t* kc) override
+    {
+        auto* chain = reinterpret_cast<LinuxKstatChain*>(kc);
+        if (!chain) {
+            errno = EINVAL;
+            return -1;
+        }
+        if (readProcStat().size() == chain->records.size()) return 0;
+        const kid_t id = chain->ctl.kc_chain_id + 1;
+        buildChain(*chain);
+        chain->ctl.kc_chain_id = id;
+        return id;
+    }
+
+    int getloadavg(double* loadavg, int nelem) override { return ::getloadavg(loadavg, nelem); }
+
+    // The processors this process may run on stand in for its processor set.
+    int pset_info(psetid_t pset, int* type, uint_t* numcpus, processorid_t* cpulist) override
+    {
+        if (pset != PS_MYID && pset != PS_NONE) {
+            errno = EINVAL;
+            return -1;
+        }
+        cpu_set_t mask;
+        CPU_ZERO(&mask);
+        if (sched_getaffinity(0, sizeof mask, &mask) != 0) return -1;
+        const uint_t capacity = numcpus ? *numcpus : 0;
+        uint_t n = 0;
+        for (int cpu = 0; cpu < CPU_SETSIZE; ++cpu) {
+            if (!CPU_ISSET(cpu, &mask)) continue;
+            if (cpulist && n < capacity) cpulist[n] = cpu;
+            ++n;
+        }
+        if (type) *type = PS_NONE;
+        if (numcpus) *numcpus = n;
+        return 0;
+    }
+
+    int p_online(processorid_t cpu, int flag) override
+    {
+        if (cpu < 0) {
+            errno = EINVAL;
+            return -1;
+        }
+        const std::string dir = "/sys/devices/system/cpu/cpu" + std::to_string(cpu);
+        if (access(dir.c_str(), F_OK) != 0) {
+            errno = EINVAL;
+            return -1;
+        }
+        if (flag != P_STATUS) {
+            errno = EPERM;  // changing a processor's state is not a scanner's business
+            return -1;
+        }
+        // No "online" file (usual for cpu0) means it cannot go off-line.
+        const std::string online = firstLine(dir + "/online");
+        return online == "0" ? P_OFFLINE : P_ONLINE;
+    }
+
+    // Solaris disk, SCSI and PROM requests mean nothing to a Linux driver.
+    int ioctl(int, int, void*) override
+    {
+        errno = ENOTTY;
+        return -1;
+    }
+
+private:
+    struct Swap {
+        std::string path;
+        unsigned long long sizeKB;
+        unsigned long long usedKB;
+    };
+
+    static std::vector<Swap> readSwaps()
+    {
+        std::vector<Swap> swaps;
+        std::ifstream in("/proc/swaps");
+        std::string line;
+        std::getline(in, line);  // the heading
+        while (std::getline(in, line)) {
+            std::istringstream fields(line);
+            Swap s{};
+            std::string type;
+            if (fields >> s.path >> type >> s.sizeKB >> s.usedKB) swaps.push_back(s);
+        }
+        return swaps;
+    }
+};
+
+}  // namespace
+
+System& platform()
+{
+    static LinuxSystem instance;
+    return instance;
+}
+
+}  // namespace sys
+
+#endif  // __linux__

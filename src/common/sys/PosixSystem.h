@@ -1,0 +1,34 @@
+#pragma once
+// The calls that are the same on Solaris and Linux: files and devices,
+// directories, memory mapping, run-time libraries and commands.
+#include "common/sys/System.h"
+
+namespace sys {
+
+class PosixSystem : public System {
+public:
+    long gethostid() override;
+    long sysconf(int name) override;
+
+    Dir* opendir(const char* path) override;
+    const char* readdir(Dir* dir) override;
+    int closedir(Dir* dir) override;
+    int open(const char* path, int flags) override;
+    int close(int fd) override;
+    int ioctl(int fd, int request, void* arg) override;
+    ssize_t read(int fd, void* buf, size_t count) override;
+    long long lseek(int fd, long long offset, int whence) override;
+    void* mmap(size_t length, int fd, long long offset) override;
+    int munmap(void* addr, size_t length) override;
+
+    void* dlopen(const char* path, int mode) override;
+    void* dlsym(void* handle, const char* symbol) override;
+    int dlclose(void* handle) override;
+
+    FILE* popen(const char* command, const char* mode) override;
+    int pclose(FILE* stream) override;
+    int runCommand(const std::vector<std::string>& argv, int timeoutSeconds,
+                   std::vector<std::string>& lines) override;
+};
+
+}  // namespace sys

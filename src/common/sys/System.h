@@ -1,0 +1,85 @@
+#pragma once
+// The operating-system facilities the scanner uses, and nothing else. Each
+// keeps the Solaris call's shape, constants and structures, so group code
+// reads like the calls it makes; failures set errno as the real call would.
+//
+// Implementations: Solaris (plain forwarding), Linux (real answers from
+// procfs, sysfs and glibc; what Linux lacks fails as on a Solaris machine
+// without it), and the fake in tests/support.
+#include <sys/types.h>
+
+#include <cstdio>
+#include <string>
+#include <vector>
+
+#include "common/sys/SolarisTypes.h"
+
+namespace sys {
+
+// An open directory listing; opaque to callers.
+class Dir {
+public:
+    virtual ~Dir() = default;
+};
+
+class System {
+public:
+    virtual ~System() = default;
+
+    // ---- identity and memory
+    // Solaris sysinfo(2): the length needed with its NUL, or -1.
+    virtual long sysinfo(int command, char* buf, long count) = 0;
+    virtual long gethostid() = 0;
+    virtual long sysconf(int name) = 0;
+    virtual int swapctl(int cmd, void* arg) = 0;
+
+    // ---- processor statistics
+    virtual kstat_ctl_t* kstat_open() = 0;
+    virtual int kstat_close(kstat_ctl_t* kc) = 0;
+    // Writable names on purpose: older libkstat takes `char*`.
+    virtual kstat_t* kstat_lookup(kstat_ctl_t* kc, char* module, int instance, char* name) = 0;
+    virtual kid_t kstat_read(kstat_ctl_t* kc, kstat_t* ksp, void* buf) = 0;
+    virtual kid_t kstat_chain_update(kstat_ctl_t* kc) = 0;
+    virtual int getloadavg(double* loadavg, int nelem) = 0;
+    virtual int pset_info(psetid_t pset, int* type, uint_t* numcpus, processorid_t* cpulist) = 0;
+    virtual int p_online(processorid_t cpu, int flag) = 0;
+
+    // ---- devices: the raw-disk directory, disk, SCSI and PROM controls,
+    // physical memory through the memory device
+    virtual Dir* opendir(const char* path) = 0;
+    virtual const char* readdir(Dir* dir) = 0;  // the next entry's name; null at the end
+    virtual int closedir(Dir* dir) = 0;
+    virtual int open(const char* path, int flags) = 0;
+    virtual int close(int fd) = 0;
+    virtual int ioctl(int fd, int request, void* arg) = 0;
+    virtual ssize_t read(int fd, void* buf, size_t count) = 0;
+    virtual long long lseek(int fd, long long offset, int whence) = 0;
+    // Shared, read-only; MAP_FAILED on failure. The offset is 64-bit (mmap64).
+    virtual void* mmap(size_t length, int fd, long long offset) = 0;
+    virtual int munmap(void* addr, size_t length) = 0;
+
+    // ---- run-time libraries
+    virtual void* dlopen(const char* path, int mode) = 0;
+    virtual void* dlsym(void* handle, const char* symbol) = 0;
+    virtual int dlclose(void* handle) = 0;
+
+    // ---- commands
+    virtual FILE* popen(const char* command, const char* mode) = 0;
+    virtual int pclose(FILE* stream) = 0;
+    // Runs argv[0] (looked up on PATH) with argv, no shell, standard output
+    // split into `lines`. The exit status; -1 when it could not run, was
+    // killed, or outlived `timeoutSeconds` (errno ETIMEDOUT; 0: no limit).
+    virtual int runCommand(const std::vector<std::string>& argv, int timeoutSeconds,
+                           std::vector<std::string>& lines) = 0;
+};
+
+// The process-wide instance: the platform's own unless a test or a replay
+// has swapped in another.
+System& current();
+// Makes `replacement` current (not owned); null restores the platform's own.
+void setCurrent(System* replacement);
+
+// The platform's own implementation.
+System& platform();
+
+}  // namespace sys

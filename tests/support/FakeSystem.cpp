@@ -1,0 +1,383 @@
+#include "support/FakeSystem.h"
+
+#include <sys/mman.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+#include <sstream>
+
+namespace testsupport {
+
+namespace {
+
+struct FakeDir : sys::Dir {
+    std::vector<std::string> names;
+    size_t next = 0;
+};
+
+struct FakeChain {
+    kstat_ctl_t ctl;  // first: callers hold a pointer to it
+    std::vector<kstat_t> records;
+};
+
+long copyOut(const std::string& value, char* buf, long count)
+{
+    if (buf && count > 0) {
+        const size_t n = std::min(value.size(), static_cast<size_t>(count - 1));
+        std::memcpy(buf, value.data(), n);
+        buf[n] = '\0';
+    }
+    return static_cast<long>(value.size()) + 1;
+}
+
+// Library handles are the address of the library's entry in the map.
+using Symbols = std::map<std::string, void*>;
+
+}  // namespace
+
+FakeSystem::~FakeSystem()
+{
+    for (auto& s : m_streams) std::fclose(s.first);
+}
+
+void FakeSystem::addCpuStat(int instance, uint_t idle, uint_t user, uint_t kernel, uint_t wait)
+{
+    Kstat k;
+    k.module = "cpu_stat";
+    k.instance = instance;
+    k.name = "cpu_stat" + std::to_string(instance);
+    k.data.cpu_sysinfo.cpu[CPU_IDLE] = idle;
+    k.data.cpu_sysinfo.cpu[CPU_USER] = user;
+    k.data.cpu_sysinfo.cpu[CPU_KERNEL] = kernel;
+    k.data.cpu_sysinfo.cpu[CPU_WAIT] = wait;
+    kstats.push_back(k);
+}
+
+long FakeSystem::sysinfo(int command, char* buf, long count)
+{
+    auto it = sysinfoValues.find(command);
+    if (it == sysinfoValues.end()) {
+        errno = EINVAL;
+        return -1;
+    }
+    return copyOut(it->second, buf, count);
+}
+
+long FakeSystem::sysconf(int name)
+{
+    auto it = sysconfValues.find(name);
+    if (it == sysconfValues.end()) {
+        errno = EINVAL;
+        return -1;
+    }
+    return it->second;
+}
+
+int FakeSystem::swapctl(int cmd, void* arg)
+{
+    switch (cmd) {
+    case SC_GETNSWP:
+        if (swapCount < 0) errno = swapCountErrno;
+        return swapCount;
+    case SC_LIST: {
+        auto* table = static_cast<swaptbl_t*>(arg);
+        if (swapListResult != -2) {
+            if (swapListResult < 0) errno = swapListErrno;
+            return swapListResult;
+        }
+        if (table->swt_n < static_cast<int>(swapDevices.size())) {
+            errno = ENOMEM;
+            return -1;
+        }
+        for (size_t i = 0; i < swapDevices.size(); ++i) {
+            swapent& e = table->swt_ent[i];
+            std::snprintf(e.ste_path, 1024, "%s", swapDevices[i].path.c_str());
+            e.ste_pages = swapDevices[i].pages;
+            e.ste_free = swapDevices[i].freePages;
+        }
+        return static_cast<int>(swapDevices.size());
+    }
+    case SC_AINFO:
+        if (ainfoFails) {
+            errno = ainfoErrno;
+            return -1;
+        }
+        *static_cast<anoninfo*>(arg) = ainfo;
+        return 0;
+    default: errno = EINVAL; return -1;
+    }
+}
+
+kstat_ctl_t* FakeSystem::kstat_open()
+{
+    if (kstatOpenFails) {
+        errno = EACCES;
+        return nullptr;
+    }
+    auto* chain = new FakeChain{};
+    chain->records.assign(kstats.size(), kstat_t{});
+    for (size_t i = 0; i < kstats.size(); ++i) {
+        kstat_t& k = chain->records[i];
+        k.ks_next = i + 1 < kstats.size() ? &chain->records[i + 1] : nullptr;
+        k.ks_kid = static_cast<kid_t>(i);  // the index of its Kstat
+        std::snprintf(k.ks_module, sizeof k.ks_module, "%s", kstats[i].module.c_str());
+        k.ks_instance = kstats[i].instance;
+        std::snprintf(k.ks_name, sizeof k.ks_name, "%s", kstats[i].name.c_str());
+        k.ks_type = static_cast<uchar_t>(kstats[i].type);
+        k.ks_data_size = kstats[i].dataSize;
+    }
+    chain->ctl.kc_chain = chain->records.empty() ? nullptr : chain->records.data();
+    chain->ctl.kc_chain_id = 1;
+    ++m_openKstat;
+    return &chain->ctl;
+}
+
+int FakeSystem::kstat_close(kstat_ctl_t* kc)
+{
+    if (!kc) return -1;
+    delete reinterpret_cast<FakeChain*>(kc);
+    --m_openKstat;
+    return 0;
+}
+
+kstat_t* FakeSystem::kstat_lookup(kstat_ctl_t* kc, char* module, int instance, char* name)
+{
+    for (kstat_t* k = kc ? kc->kc_chain : nullptr; k; k = k->ks_next) {
+        if (module && std::strcmp(k->ks_module, module) != 0) continue;
+        if (instance != -1 && k->ks_instance != instance) continue;
+        if (name && std::strcmp(k->ks_name, name) != 0) continue;
+        return k;
+    }
+    errno = ENOENT;
+    return nullptr;
+}
+
+kid_t FakeSystem::kstat_read(kstat_ctl_t* kc, kstat_t* ksp, void* buf)
+{
+    if (!kc || !ksp) {
+        errno = EINVAL;
+        return -1;
+    }
+    const Kstat& k = kstats.at(static_cast<size_t>(ksp->ks_kid));
+    if (k.readFails) {
+        errno = EIO;
+        return -1;
+    }
+    ksp->ks_data = const_cast<cpu_stat_t*>(&k.data);
+    // Like libkstat: the record's own size is copied, whatever it is.
+    if (buf) std::memcpy(buf, &k.data, std::min(k.dataSize, sizeof k.data));
+    return kc->kc_chain_id;
+}
+
+int FakeSystem::getloadavg(double* values, int nelem)
+{
+    if (loadavgFails) return -1;
+    for (int i = 0; i < nelem && i < 3; ++i) values[i] = loadavg[i];
+    return nelem < 3 ? nelem : 3;
+}
+
+int FakeSystem::pset_info(psetid_t, int* type, uint_t* numcpus, processorid_t* cpulist)
+{
+    const uint_t capacity = numcpus ? *numcpus : 0;
+    for (uint_t i = 0; cpulist && i < capacity && i < psetCpus.size(); ++i) cpulist[i] = psetCpus[i];
+    if (numcpus) *numcpus = static_cast<uint_t>(psetCpus.size());
+    if (type) *type = psetType;
+    return 0;
+}
+
+int FakeSystem::p_online(processorid_t cpu, int)
+{
+    auto it = processorStates.find(cpu);
+    if (it == processorStates.end()) {
+        errno = EINVAL;
+        return -1;
+    }
+    return it->second;
+}
+
+sys::Dir* FakeSystem::opendir(const char* path)
+{
+    auto it = directories.find(path ? path : "");
+    if (it == directories.end()) {
+        errno = ENOENT;
+        return nullptr;
+    }
+    auto* d = new FakeDir;
+    d->names = it->second;
+    return d;
+}
+
+const char* FakeSystem::readdir(sys::Dir* dir)
+{
+    auto* d = static_cast<FakeDir*>(dir);
+    return d && d->next < d->names.size() ? d->names[d->next++].c_str() : nullptr;
+}
+
+int FakeSystem::closedir(sys::Dir* dir)
+{
+    delete dir;
+    return 0;
+}
+
+int FakeSystem::open(const char* path, int)
+{
+    auto it = devices.find(path ? path : "");
+    if (it == devices.end()) {
+        errno = ENOENT;
+        return -1;
+    }
+    if (it->second.openErrno) {
+        errno = it->second.openErrno;
+        return -1;
+    }
+    const int fd = m_nextFd++;
+    m_open[fd] = OpenFile{it->first, 0};
+    return fd;
+}
+
+int FakeSystem::close(int fd)
+{
+    if (m_open.erase(fd) == 0) {
+        errno = EBADF;
+        return -1;
+    }
+    return 0;
+}
+
+int FakeSystem::ioctl(int fd, int request, void* arg)
+{
+    auto it = m_open.find(fd);
+    if (it == m_open.end()) {
+        errno = EBADF;
+        return -1;
+    }
+    const Device& device = devices[it->second.path];
+    if (!device.ioctl) {
+        errno = ENOTTY;
+        return -1;
+    }
+    return device.ioctl(request, arg);
+}
+
+ssize_t FakeSystem::read(int fd, void* buf, size_t count)
+{
+    auto it = m_open.find(fd);
+    if (it == m_open.end()) {
+        errno = EBADF;
+        return -1;
+    }
+    const std::string& contents = devices[it->second.path].contents;
+    const long long at = it->second.offset;
+    if (at >= static_cast<long long>(contents.size())) return 0;
+    const size_t n = std::min(count, contents.size() - static_cast<size_t>(at));
+    std::memcpy(buf, contents.data() + at, n);
+    it->second.offset += static_cast<long long>(n);
+    return static_cast<ssize_t>(n);
+}
+
+long long FakeSystem::lseek(int fd, long long offset, int whence)
+{
+    auto it = m_open.find(fd);
+    if (it == m_open.end() || whence != SEEK_SET || offset < 0) {
+        errno = it == m_open.end() ? EBADF : EINVAL;
+        return -1;
+    }
+    return it->second.offset = offset;
+}
+
+void* FakeSystem::mmap(size_t length, int fd, long long offset)
+{
+    auto it = m_open.find(fd);
+    if (it == m_open.end()) {
+        errno = EBADF;
+        return MAP_FAILED;
+    }
+    const std::string& contents = devices[it->second.path].contents;
+    if (offset < 0 || static_cast<size_t>(offset) + length > contents.size()) {
+        errno = ENXIO;
+        return MAP_FAILED;
+    }
+    // A private copy, so a caller writing to it would be caught by ASan.
+    auto* copy = new char[length ? length : 1];
+    std::memcpy(copy, contents.data() + offset, length);
+    return copy;
+}
+
+int FakeSystem::munmap(void* addr, size_t)
+{
+    delete[] static_cast<char*>(addr);
+    return 0;
+}
+
+void* FakeSystem::dlopen(const char* path, int)
+{
+    auto it = libraries.find(path ? path : "");
+    if (it == libraries.end()) return nullptr;
+    ++m_openLibraries;
+    return &it->second;
+}
+
+void* FakeSystem::dlsym(void* handle, const char* symbol)
+{
+    auto* symbols = static_cast<Symbols*>(handle);
+    if (!symbols) return nullptr;
+    auto it = symbols->find(symbol ? symbol : "");
+    return it == symbols->end() ? nullptr : it->second;
+}
+
+int FakeSystem::dlclose(void* handle)
+{
+    if (!handle) return -1;
+    --m_openLibraries;
+    return 0;
+}
+
+FILE* FakeSystem::popen(const char* command, const char* mode)
+{
+    commandsRun.push_back(command ? command : "");
+    auto it = commands.find(command ? command : "");
+    if (it == commands.end() || it->second.fails || !mode || mode[0] != 'r') {
+        errno = ENOENT;
+        return nullptr;
+    }
+    // A real stream over a private temporary file: fgets, fileno and fclose work.
+    FILE* f = std::tmpfile();
+    if (!f) return nullptr;
+    std::fwrite(it->second.output.data(), 1, it->second.output.size(), f);
+    std::rewind(f);
+    m_streams[f] = it->second.status;
+    return f;
+}
+
+int FakeSystem::pclose(FILE* stream)
+{
+    auto it = m_streams.find(stream);
+    if (it == m_streams.end()) {
+        errno = ECHILD;
+        return -1;
+    }
+    const int status = it->second;
+    std::fclose(stream);
+    m_streams.erase(it);
+    return status << 8;  // as wait(2) encodes an exit status
+}
+
+int FakeSystem::runCommand(const std::vector<std::string>& argv, int, std::vector<std::string>& lines)
+{
+    lines.clear();
+    std::string joined;
+    for (const std::string& a : argv) joined += (joined.empty() ? "" : " ") + a;
+    commandsRun.push_back(joined);
+    auto it = commands.find(joined);
+    if (it == commands.end() || it->second.fails) {
+        errno = ENOENT;
+        return -1;
+    }
+    std::istringstream in(it->second.output);
+    std::string line;
+    while (std::getline(in, line)) lines.push_back(line);
+    return it->second.status;
+}
+
+}  // namespace testsupport

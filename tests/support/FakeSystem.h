@@ -1,0 +1,135 @@
+#pragma once
+// A fake operating system: every facility of sys::System answers from data a
+// test sets up, and what is not set up fails the way a machine without it
+// would (EINVAL, ENOENT). Install it for a scope with ScopedSystem.
+#include <cerrno>
+#include <functional>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "common/sys/System.h"
+
+namespace testsupport {
+
+class FakeSystem : public sys::System {
+public:
+    // identity and memory
+    std::map<int, std::string> sysinfoValues;  // absent: -1, EINVAL
+    long hostid = -1;
+    std::map<int, long> sysconfValues;  // absent: -1, EINVAL
+
+    struct SwapDevice {
+        std::string path;
+        long pages;
+        long freePages;
+    };
+    int swapCount = 0;         // what SC_GETNSWP says
+    int swapCountErrno = 0;    // with a count below 0
+    std::vector<SwapDevice> swapDevices;  // what SC_LIST fills in
+    int swapListResult = -2;   // -2: the number filled; otherwise returned as is
+    int swapListErrno = 0;
+    bool ainfoFails = false;
+    int ainfoErrno = EINVAL;
+    anoninfo ainfo = {0, 0, 0};
+
+    // processor statistics
+    struct Kstat {
+        std::string module;
+        int instance;
+        std::string name;
+        int type = KSTAT_TYPE_RAW;
+        size_t dataSize = sizeof(cpu_stat_t);
+        cpu_stat_t data{};
+        bool readFails = false;
+    };
+    bool kstatOpenFails = false;
+    std::vector<Kstat> kstats;
+    // A "cpu_stat" record for processor `instance` with these tick counters.
+    void addCpuStat(int instance, uint_t idle, uint_t user, uint_t kernel, uint_t wait);
+    int openKstatHandles() const { return m_openKstat; }
+
+    bool loadavgFails = false;
+    double loadavg[3] = {0, 0, 0};
+
+    int psetType = PS_NONE;
+    std::vector<processorid_t> psetCpus;
+    std::map<processorid_t, int> processorStates;  // absent: -1, EINVAL
+
+    // devices
+    std::map<std::string, std::vector<std::string>> directories;
+    struct Device {
+        int openErrno = 0;  // non-zero: open fails with it
+        std::string contents;  // what read and mmap see
+        std::function<int(int request, void* arg)> ioctl;  // empty: ENOTTY
+    };
+    std::map<std::string, Device> devices;
+    int openDescriptors() const { return static_cast<int>(m_open.size()); }
+
+    // run-time libraries: path -> symbol -> address
+    std::map<std::string, std::map<std::string, void*>> libraries;
+    int openLibraries() const { return m_openLibraries; }
+
+    // commands: popen by command text, runCommand by arguments joined with blanks
+    struct Command {
+        std::string output;
+        int status = 0;
+        bool fails = false;  // popen or the start fails
+    };
+    std::map<std::string, Command> commands;
+    std::vector<std::string> commandsRun;
+    int openStreams() const { return static_cast<int>(m_streams.size()); }
+
+    ~FakeSystem() override;
+
+    long sysinfo(int command, char* buf, long count) override;
+    long gethostid() override { return hostid; }
+    long sysconf(int name) override;
+    int swapctl(int cmd, void* arg) override;
+    kstat_ctl_t* kstat_open() override;
+    int kstat_close(kstat_ctl_t* kc) override;
+    kstat_t* kstat_lookup(kstat_ctl_t* kc, char* module, int instance, char* name) override;
+    kid_t kstat_read(kstat_ctl_t* kc, kstat_t* ksp, void* buf) override;
+    kid_t kstat_chain_update(kstat_ctl_t*) override { return 0; }
+    int getloadavg(double* values, int nelem) override;
+    int pset_info(psetid_t pset, int* type, uint_t* numcpus, processorid_t* cpulist) override;
+    int p_online(processorid_t cpu, int flag) override;
+    sys::Dir* opendir(const char* path) override;
+    const char* readdir(sys::Dir* dir) override;
+    int closedir(sys::Dir* dir) override;
+    int open(const char* path, int flags) override;
+    int close(int fd) override;
+    int ioctl(int fd, int request, void* arg) override;
+    ssize_t read(int fd, void* buf, size_t count) override;
+    long long lseek(int fd, long long offset, int whence) override;
+    void* mmap(size_t length, int fd, long long offset) override;
+    int munmap(void* addr, size_t length) override;
+    void* dlopen(const char* path, int mode) override;
+    void* dlsym(void* handle, const char* symbol) override;
+    int dlclose(void* handle) override;
+    FILE* popen(const char* command, const char* mode) override;
+    int pclose(FILE* stream) override;
+    int runCommand(const std::vector<std::string>& argv, int timeoutSeconds, std::vector<std::string>& lines) override;
+
+private:
+    struct OpenFile {
+        std::string path;
+        long long offset = 0;
+    };
+    std::map<int, OpenFile> m_open;
+    int m_nextFd = 1000;
+    int m_openKstat = 0;
+    int m_openLibraries = 0;
+    std::map<FILE*, int> m_streams;  // stream -> status to report
+};
+
+// Makes `fake` the current system for a scope.
+class ScopedSystem {
+public:
+    explicit ScopedSystem(sys::System& fake) { sys::setCurrent(&fake); }
+    ~ScopedSystem() { sys::setCurrent(nullptr); }
+    ScopedSystem(const ScopedSystem&) = delete;
+    ScopedSystem& operator=(const ScopedSystem&) = delete;
+};
+
+}  // namespace testsupport
