@@ -108,14 +108,20 @@ int PosixSystem::runCommand(const std::vector<std::string>& argv, int timeoutSec
     args.push_back(nullptr);
     int out[2];
     if (pipe2(out, O_CLOEXEC) != 0) return -1;
+    // Closed by a successful exec; otherwise the child writes its errno here.
+    int execError[2];
+    if (pipe2(execError, O_CLOEXEC) != 0) {
+        ::close(out[0]);
+        ::close(out[1]);
+        return -1;
+    }
     const int devnull = ::open("/dev/null", O_RDWR | O_CLOEXEC);
 
     const pid_t pid = fork();
     if (pid < 0) {
         const int saved = errno;
-        ::close(out[0]);
-        ::close(out[1]);
-        if (devnull >= 0) ::close(devnull);
+        for (int fd : {out[0], out[1], execError[0], execError[1], devnull})
+            if (fd >= 0) ::close(fd);
         errno = saved;
         return -1;
     }
@@ -126,9 +132,14 @@ int PosixSystem::runCommand(const std::vector<std::string>& argv, int timeoutSec
         }
         dup2(out[1], 1);
         execvp(args[0], args.data());
+        const int error = errno;
+        if (::write(execError[1], &error, sizeof error) < 0) {
+            // the parent then sees a plain exit 127
+        }
         _exit(127);
     }
     ::close(out[1]);
+    ::close(execError[1]);
     if (devnull >= 0) ::close(devnull);
 
     const long long deadline = timeoutSeconds > 0 ? monotonicMillis() + 1000LL * timeoutSeconds : -1;
@@ -173,6 +184,16 @@ int PosixSystem::runCommand(const std::vector<std::string>& argv, int timeoutSec
         do {
             r = waitpid(pid, &status, 0);
         } while (r < 0 && errno == EINTR);
+    }
+    int error = 0;
+    ssize_t got;
+    do {
+        got = ::read(execError[0], &error, sizeof error);
+    } while (got < 0 && errno == EINTR);
+    ::close(execError[0]);
+    if (got == static_cast<ssize_t>(sizeof error)) {
+        errno = error;  // it never started
+        return -1;
     }
     if (timedOut) {
         errno = ETIMEDOUT;

@@ -1,0 +1,54 @@
+#include "framework/ZPopen.h"
+
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+
+#include "common/sys/System.h"
+#include "framework/NimCfg.h"
+#include "framework/Trace.h"
+#include "framework/utils.h"
+
+namespace {
+const char* const kSource = "./../../../src/framework/ZPopen";
+}
+
+ZPopen::ZPopen(const String& program, const std::vector<String>& args)
+{
+    m_argv.push_back(program.narrow());
+    for (const String& a : args) m_argv.push_back(a.narrow());
+}
+
+int ZPopen::configuredTimeout()
+{
+    const std::string text = utils::trimBoth(NimCfg::getKey("hwscanner.timeout").narrow());
+    if (text.empty()) return 0;
+    char* end = nullptr;
+    errno = 0;
+    const long seconds = std::strtol(text.c_str(), &end, 10);
+    if (errno != 0 || *end != '\0' || seconds < 0 || seconds > 86400) {
+        CcLogWrapper::traceMIN(getCcLogHw(), __LINE__, kSource, "configuredTimeout()",
+                               "[E] hwscanner.timeout '%s' is not a number of seconds: no time-out", text.c_str());
+        return 0;
+    }
+    return static_cast<int>(seconds);
+}
+
+int ZPopen::run()
+{
+    const int timeout = configuredTimeout();
+    CcLogWrapper::traceMidEntry(getCcLogHw(), __LINE__, kSource, "run()", "hardware %s (time-out %d s)",
+                                m_argv[0].c_str(), timeout);
+    errno = 0;
+    m_status = sys::current().runCommand(m_argv, timeout, m_lines);
+    m_timedOut = m_status == -1 && errno == ETIMEDOUT;
+    if (m_timedOut)
+        CcLogWrapper::traceMIN(getCcLogHw(), __LINE__, kSource, "run()", "[E] %s timed out after %d s",
+                               m_argv[0].c_str(), timeout);
+    else if (m_status == -1)
+        CcLogWrapper::traceMIN(getCcLogHw(), __LINE__, kSource, "run()", "[E] %s could not run: %s",
+                               m_argv[0].c_str(), std::strerror(errno));
+    CcLogWrapper::traceMidExit(getCcLogHw(), __LINE__, kSource, "run()", "hardware %s status %d lines %zu",
+                               m_argv[0].c_str(), m_status, m_lines.size());
+    return m_status;
+}
