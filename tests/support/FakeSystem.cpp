@@ -363,9 +363,10 @@ int FakeSystem::pclose(FILE* stream)
     return status << 8;  // as wait(2) encodes an exit status
 }
 
-int FakeSystem::runCommand(const std::vector<std::string>& argv, int, std::vector<std::string>& lines)
+int FakeSystem::runCommand(const std::vector<std::string>& argv, int timeoutSeconds, std::vector<std::string>& lines)
 {
     lines.clear();
+    lastTimeout = timeoutSeconds;
     std::string joined;
     for (const std::string& a : argv) joined += (joined.empty() ? "" : " ") + a;
     commandsRun.push_back(joined);

@@ -78,6 +78,7 @@ public:
     };
     std::map<std::string, Command> commands;
     std::vector<std::string> commandsRun;
+    int lastTimeout = -1;  // what the last runCommand was given
     int openStreams() const { return static_cast<int>(m_streams.size()); }
 
     ~FakeSystem() override;

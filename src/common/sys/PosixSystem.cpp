@@ -126,6 +126,7 @@ int PosixSystem::runCommand(const std::vector<std::string>& argv, int timeoutSec
         return -1;
     }
     if (pid == 0) {
+        setpgid(0, 0);  // its own group, so a time-out ends whatever it started
         if (devnull >= 0) {
             dup2(devnull, 0);
             dup2(devnull, 2);
@@ -179,7 +180,10 @@ int PosixSystem::runCommand(const std::vector<std::string>& argv, int timeoutSec
         struct timespec pause = {0, 10 * 1000 * 1000};
         nanosleep(&pause, nullptr);
     }
-    if (timedOut) kill(pid, SIGKILL);
+    if (timedOut) {
+        kill(-pid, SIGKILL);
+        kill(pid, SIGKILL);  // in case it had not yet made its group
+    }
     if (r != pid) {
         do {
             r = waitpid(pid, &status, 0);
