@@ -1,5 +1,7 @@
 #include "support/FakeSystem.h"
 
+#include "common/sys/KstatChain.h"
+
 #include <sys/mman.h>
 
 #include <algorithm>
@@ -143,14 +145,7 @@ int FakeSystem::kstat_close(kstat_ctl_t* kc)
 
 kstat_t* FakeSystem::kstat_lookup(kstat_ctl_t* kc, char* module, int instance, char* name)
 {
-    for (kstat_t* k = kc ? kc->kc_chain : nullptr; k; k = k->ks_next) {
-        if (module && std::strcmp(k->ks_module, module) != 0) continue;
-        if (instance != -1 && k->ks_instance != instance) continue;
-        if (name && std::strcmp(k->ks_name, name) != 0) continue;
-        return k;
-    }
-    errno = ENOENT;
-    return nullptr;
+    return sys::lookupInChain(kc, module, instance, name);
 }
 
 kid_t FakeSystem::kstat_read(kstat_ctl_t* kc, kstat_t* ksp, void* buf)

@@ -17,6 +17,7 @@
 #include <sstream>
 #include <string>
 
+#include "common/sys/KstatChain.h"
 #include "common/sys/PosixSystem.h"
 
 namespace sys {
@@ -195,14 +196,7 @@ public:
 
     kstat_t* kstat_lookup(kstat_ctl_t* kc, char* module, int instance, char* name) override
     {
-        for (kstat_t* k = kc ? kc->kc_chain : nullptr; k; k = k->ks_next) {
-            if (module && std::strcmp(k->ks_module, module) != 0) continue;
-            if (instance != -1 && k->ks_instance != instance) continue;
-            if (name && std::strcmp(k->ks_name, name) != 0) continue;
-            return k;
-        }
-        errno = ENOENT;
-        return nullptr;
+        return lookupInChain(kc, module, instance, name);
     }
 
     kid_t kstat_read(kstat_ctl_t* kc, kstat_t* ksp, void* buf) override
