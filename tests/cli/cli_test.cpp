@@ -1,5 +1,6 @@
 // The invscan command line, end to end: the built program run as a user would.
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -253,6 +254,46 @@ TEST_F(Cli, AnUnwritableTraceFileIsRefused)
     const Result r = run({"--trace", "max", "--trace-file", "/nonexistent/dir/trace.log", "list"});
     EXPECT_EQ(r.code, 2);
     EXPECT_NE(r.err.find("/nonexistent/dir/trace.log"), std::string::npos);
+}
+
+}  // namespace
+
+namespace {
+
+TEST_F(Cli, ProbeRunsANamedProgramUnderTheHomeFolder)
+{
+    // A scripted probe in a home folder of our own.
+    ASSERT_EQ(std::system(("mkdir -p " + quote(m_dir + "/home/bin")).c_str()), 0);
+    const std::string script = write("home/bin/fake", "#!/bin/sh\necho '1.0 0 ready'\necho '(Box'\necho 'n:i=7'\necho ')'\n");
+    ASSERT_EQ(chmod(script.c_str(), 0755), 0);
+    const std::string home = "NIM_HOMEDIR=" + quote(m_dir + "/home");
+
+    Result r = run({"probe", "fake"}, home);
+    EXPECT_EQ(r.code, 0) << r.err;
+    EXPECT_NE(r.out.find("result = 0, message = ready"), std::string::npos) << r.out;
+    EXPECT_NE(r.out.find("(Box"), std::string::npos);
+    EXPECT_NE(r.out.find("n:i=7"), std::string::npos);
+
+    write("home/bin/broken", "#!/bin/sh\necho 'not a header'\n");
+    ASSERT_EQ(chmod((m_dir + "/home/bin/broken").c_str(), 0755), 0);
+    r = run({"probe", "broken"}, home);
+    EXPECT_EQ(r.code, 1);
+    EXPECT_NE(r.err.find("could not execute 'broken'"), std::string::npos) << r.err;
+
+    r = run({"probe", "missing"}, home);
+    EXPECT_EQ(r.code, 1);
+    EXPECT_NE(r.err.find("no probe program"), std::string::npos) << r.err;
+
+    EXPECT_EQ(run({"probe", "../bin/fake"}, home).code, 2);
+    EXPECT_EQ(run({"probe"}, home).code, 2);
+}
+
+TEST_F(Cli, ProbeFindsTheShippedCpuidBesideItself)
+{
+    // Without NIM_HOMEDIR the install prefix is the home.
+    const Result r = run({"probe", "cpuid"}, "env -u NIM_HOMEDIR");
+    EXPECT_EQ(r.code, 0) << r.err;
+    EXPECT_NE(r.out.find("(ProcessorTable"), std::string::npos) << r.out;
 }
 
 }  // namespace

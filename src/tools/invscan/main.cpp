@@ -16,6 +16,7 @@
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
+#include "common/vartree/vtexec.h"
 #include "framework/NimCfg.h"
 #include "framework/Trace.h"
 #include "framework/XmlNimParser.h"
@@ -275,6 +276,26 @@ int runScan(const Options& options)
     return std::fflush(stdout) == 0 ? 0 : 1;
 }
 
+// Runs one probe the way the library does and prints what it parsed.
+int runProbe(const std::string& name)
+{
+    // A bare name only: the probes live in one folder.
+    if (name.empty() || name.find('/') != std::string::npos || name == "." || name == "..") {
+        fail("a probe is named without a path, for example: invscan probe cpuid");
+        return EXIT_USAGE;
+    }
+    const char* home = std::getenv("NIM_HOMEDIR");
+    const std::string path = std::string(home ? home : ".") + "/bin/" + name;
+    if (access(path.c_str(), X_OK) != 0) {
+        fail("no probe program " + path);
+        return 1;
+    }
+    std::fflush(stdout);
+    const int code = vtExecTest(name.c_str());
+    std::fflush(stdout);
+    return code;
+}
+
 }  // namespace
 
 int run(int argc, char** argv)
@@ -304,7 +325,10 @@ int run(int argc, char** argv)
     CLI::App* list = app.add_subcommand("list", "List the id and name of every group");
     CLI::App* scan = app.add_subcommand("scan", "Scan the named groups (every group when none is named)");
     scan->add_option("groups", options.groups, "Group names or ids")->type_name("GROUP|ID");
-    for (CLI::App* sub : {list, scan}) sub->fallthrough();
+    CLI::App* probe = app.add_subcommand("probe", "Run a probe program under NIM_HOMEDIR/bin and print its tree");
+    std::string probeName;
+    probe->add_option("name", probeName, "Probe name, for example cpuid")->required()->type_name("NAME");
+    for (CLI::App* sub : {list, scan, probe}) sub->fallthrough();
 
     try {
         app.parse(argc, argv);
@@ -320,12 +344,13 @@ int run(int argc, char** argv)
     // Installed layout: <prefix>/bin/invscan and <prefix>/config/NimHWConfig.xml.
     if (!prefix.empty() && !NimCfg::hasKey("config_dir")) NimCfg::setKey("config_dir", prefix + "/config");
 
-    if (!list->parsed() && !scan->parsed()) {
-        fail("a command is needed: list or scan (see --help)");
+    if (!list->parsed() && !scan->parsed() && !probe->parsed()) {
+        fail("a command is needed: list, scan or probe (see --help)");
         return EXIT_USAGE;
     }
     if (const int code = applyConfiguration(options)) return code;
     if (list->parsed()) return runList(options);
+    if (probe->parsed()) return runProbe(probeName);
     return runScan(options);
 }
 
