@@ -22,14 +22,15 @@ ZPopen::ZPopen(const String& program, const std::vector<String>& args)
 int ZPopen::configuredTimeout()
 {
     const std::string text = utils::trimBoth(NimCfg::getKey("hwscanner.timeout").narrow());
-    if (text.empty()) return 0;
+    if (text.empty()) return DEFAULT_TIMEOUT;
     char* end = nullptr;
     errno = 0;
     const long seconds = std::strtol(text.c_str(), &end, 10);
-    if (errno != 0 || *end != '\0' || seconds < 0 || seconds > 86400) {
+    if (errno != 0 || *end != '\0' || seconds < 1 || seconds > MAX_TIMEOUT) {
         CcLogWrapper::traceMIN(getCcLogHw(), __LINE__, kSource, "configuredTimeout()",
-                               "[E] hwscanner.timeout '%s' is not a number of seconds: no time-out", text.c_str());
-        return 0;
+                               "[E] hwscanner.timeout '%s' is not a number of seconds, using %d", text.c_str(),
+                               DEFAULT_TIMEOUT);
+        return DEFAULT_TIMEOUT;
     }
     return static_cast<int>(seconds);
 }

@@ -1,7 +1,8 @@
 #pragma once
 // The command runner: one program with its arguments, no shell, its standard
 // output as lines and its exit status. A run is bounded by the configuration
-// key "hwscanner.timeout" (seconds; absent, 0 or not a number: no bound).
+// key "hwscanner.timeout": 1 to 86400 seconds, 600 when absent or invalid
+// (the same rule as the scanner's own probe time-out).
 #include <string>
 #include <vector>
 
@@ -19,7 +20,9 @@ public:
     bool timedOut() const { return m_timedOut; }
     const std::vector<std::string>& lines() const { return m_lines; }  // UTF-8, without line ends
 
-    // The configured bound in seconds; 0 for none.
+    static constexpr int DEFAULT_TIMEOUT = 600;
+    static constexpr int MAX_TIMEOUT = 86400;
+    // The configured bound in seconds.
     static int configuredTimeout();
 
 private:

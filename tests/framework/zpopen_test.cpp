@@ -16,7 +16,7 @@ protected:
     void TearDown() override { NimCfg::clear(); }
 };
 
-TEST_F(ZPopenTest, TimeOutKeyIsReadAndBadValuesMeanNone)
+TEST_F(ZPopenTest, TimeOutKeyIsReadAndBadValuesTakeTheDefault)
 {
     testsupport::FakeSystem os;
     os.commands["zoneadm list -cp"] = {"0:global:running:/::solaris:shared:-:none:\n", 0, false};
@@ -25,16 +25,16 @@ TEST_F(ZPopenTest, TimeOutKeyIsReadAndBadValuesMeanNone)
 
     ZPopen zoneadm("zoneadm", {String("list"), String("-cp")});
     EXPECT_EQ(zoneadm.run(), 0);
-    EXPECT_EQ(os.lastTimeout, 0);  // absent: no bound
+    EXPECT_EQ(os.lastTimeout, ZPopen::DEFAULT_TIMEOUT);  // absent
     EXPECT_EQ(zoneadm.lines(), (std::vector<std::string>{"0:global:running:/::solaris:shared:-:none:"}));
 
-    const std::pair<const char*, int> cases[] = {{" 7 ", 7}, {"0", 0}, {"abc", 0}, {"-3", 0}, {"99999999999", 0}};
+    const std::pair<const char*, int> cases[] = {{" 7 ", 7}, {"86400", 86400}, {"0", 600}, {"abc", 600}, {"-3", 600}, {"99999999999", 600}};
     for (const auto& c : cases) {
         NimCfg::setKey("hwscanner.timeout", c.first);
         zoneadm.run();
         EXPECT_EQ(os.lastTimeout, c.second) << c.first;
     }
-    EXPECT_TRUE(capture.contains("[E] hwscanner.timeout 'abc' is not a number of seconds"));
+    EXPECT_TRUE(capture.contains("[E] hwscanner.timeout 'abc' is not a number of seconds, using 600"));
 
     ZPopen missing("poolbind", {String("-q"), String("1")});
     EXPECT_EQ(missing.run(), -1);

@@ -1,7 +1,7 @@
-#include <dirent.h>
 
 #include <string>
 
+#include "common/sys/System.h"
 #include "framework/NimCfg.h"
 #include "framework/Trace.h"
 #include "invscan/com/probeVT.h"
@@ -18,10 +18,10 @@ VtExecInfo* getCpuidVT()
         const std::string dir = NimCfg::getKey("common_trace_path").narrow();
         const std::string logPath = dir + "/" + "traceNIM_cpuid.log";
         // Debug mode only with a writable log: an unread stderr pipe could block the probe.
-        DIR* d = opendir(dir.c_str());
+        sys::Dir* d = dir.empty() ? nullptr : sys::current().opendir(dir.c_str());
         VtExecInfo* info;
         if (d) {
-            closedir(d);
+            sys::current().closedir(d);
             info = vtExecCommand("cpuid", "-d", logPath.c_str());
         } else {
             info = vtExecCommand("cpuid", nullptr, nullptr);
