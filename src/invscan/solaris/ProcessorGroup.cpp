@@ -20,8 +20,9 @@ const char* const kSource = "./../../../src/invscan/solaris/ProcessorGroup";
 // Not filled by anything: hosts get an empty serial number.
 char g_serialNumber[64];
 
-// The identifier's text. Its format once ended in an incomplete "%l", which
-// prints nothing; the text stops after the stepping so the ids stay stable.
+// The identifier's text. The historical format ended in an incomplete "%l"
+// that printed nothing there; handing it to printf here would be undefined,
+// so the text simply stops after the stepping and the ids stay stable.
 std::string idText(const char* manufacturer, int clock, int family, int model, int stepping)
 {
     char text[512];
