@@ -207,10 +207,15 @@ public:
             return -1;
         }
         // A fresh snapshot of this processor's ticks.
+        // Only records of this chain can be read.
+        const auto at = reinterpret_cast<uintptr_t>(ksp), first = reinterpret_cast<uintptr_t>(chain->records.data());
+        if (at < first || at >= first + chain->records.size() * sizeof(kstat_t)) {
+            errno = EINVAL;
+            return -1;
+        }
+        const size_t i = (at - first) / sizeof(kstat_t);
         for (const CpuTicks& t : readProcStat()) {
             if (t.cpu != ksp->ks_instance) continue;
-            const size_t i = static_cast<size_t>(ksp - chain->records.data());
-            if (i >= chain->data.size()) break;
             chain->data[i] = t.stat;
             ksp->ks_data = &chain->data[i];
             if (buf) std::memcpy(buf, &chain->data[i], sizeof(cpu_stat_t));

@@ -5,7 +5,6 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
-#include <vector>
 
 #include "common/sys/System.h"
 #include "framework/Trace.h"
@@ -16,6 +15,7 @@ namespace {
 const char* const kSource = "./../../../src/invscan/solaris/MemoryGroup";
 const char* const kFunction = "getTable()";
 constexpr int kPathLength = 1024;  // each swap entry's path buffer
+constexpr int kMaxSwapDevices = 65536;
 
 #define MEM_TRACE(level, ...) CcLogWrapper::level(getCcLogHw(), __LINE__, kSource, kFunction, __VA_ARGS__)
 
@@ -56,12 +56,18 @@ Swap swapFromDevices(sys::System& os, int count, long pageSize)
     MEM_TRACE(traceMID, "hardware %s %d", "swapctl(SC_GETNSWP) returns ", count);
     const size_t bytes = sizeof(swapent) * static_cast<size_t>(count) + sizeof(swaptbl_t);
     auto* table = static_cast<swaptbl_t*>(std::calloc(1, bytes));
-    if (!table) return swap;
+    // Path buffers in one block, released with the table.
+    auto* paths = static_cast<char*>(std::calloc(static_cast<size_t>(count), kPathLength));
+    if (!table || !paths) {
+        MEM_TRACE(traceMID, "hardware %s %s", "swapctl failed :", std::strerror(ENOMEM));
+        std::free(table);
+        std::free(paths);
+        return swap;
+    }
     MEM_TRACE(traceMID, "hardware %s", "memory allocated");
     table->swt_n = count;
     MEM_TRACE(traceMID, "hardware %s", "Filling a memory");
-    std::vector<char> paths(static_cast<size_t>(count) * kPathLength, '\0');
-    for (int i = 0; i < count; ++i) table->swt_ent[i].ste_path = &paths[static_cast<size_t>(i) * kPathLength];
+    for (int i = 0; i < count; ++i) table->swt_ent[i].ste_path = paths + static_cast<size_t>(i) * kPathLength;
 
     const int listed = os.swapctl(SC_LIST, table);
     if (listed < 0) {
@@ -84,6 +90,7 @@ Swap swapFromDevices(sys::System& os, int count, long pageSize)
         MEM_TRACE(traceMAX, "hardware %s %ld", "Free Swap Space", static_cast<long>(swap.freeKB));
     }
     std::free(table);
+    std::free(paths);
     return swap;
 }
 
@@ -123,7 +130,13 @@ KorTable* MemoryGroup::getTable()
         MEM_TRACE(traceMID, "hardware swapctl(SC_LIST) failed(%s), trying swapctl(SC_AINFO)", std::strerror(errno));
         swap = swapFromAnonInfo(os, pageSize);
     } else {
-        swap = swapFromDevices(os, devices + 1, pageSize);
+        // No machine has this many devices; the bound keeps the sizes below
+        // from wrapping on a 32-bit build.
+        if (devices > kMaxSwapDevices) {
+            MEM_TRACE(traceMID, "hardware %s %s", "swapctl failed :", std::strerror(EOVERFLOW));
+        } else {
+            swap = swapFromDevices(os, devices + 1, pageSize);
+        }
     }
 
     auto* table = new KorTable(getGroupId(), getGroupVersion());

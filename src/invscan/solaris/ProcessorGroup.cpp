@@ -17,6 +17,8 @@ namespace {
 
 const char* const kSource = "./../../../src/invscan/solaris/ProcessorGroup";
 
+constexpr int kMaxCoresPerPackage = 65536;
+
 // Not filled by anything: hosts get an empty serial number.
 char g_serialNumber[64];
 
@@ -75,6 +77,12 @@ KorTable* ProcessorGroup::getTable()
         }
         int cores = proc->getValue(nullptr, "TotalCoreCount", -1);
         if (cores < 1) cores = proc->getValue("CPUID", "CorePerPackageCount", 1);
+        if (cores > kMaxCoresPerPackage) {
+            // A count no package has: a broken probe, not a machine.
+            CcLogWrapper::traceMIN(log, __LINE__, kSource, fn, "[E] Invalid core count %d for proc #%d", cores, p);
+            delete table;
+            return nullptr;
+        }
         int threadsPerCore = proc->getValue(nullptr, "ProcsPerCore", -1);
         if (threadsPerCore < 1) threadsPerCore = proc->getValue("CPUID", "HtPerCoreCount", 1);
 

@@ -105,6 +105,14 @@ TEST_F(MemoryGroupTest, SwapListFailuresLeaveSwapAtZero)
     EXPECT_TRUE(m_trace.contains("swapctl failed : " + std::string(std::strerror(EOVERFLOW))));
 }
 
+TEST_F(MemoryGroupTest, AnAbsurdDeviceCountIsRefusedBeforeAnyAllocation)
+{
+    m_os.swapCount = 2147483647;  // count + 1 would wrap, and 24 * count on 32 bits
+    const auto v = scan();
+    EXPECT_EQ(v.at(3), v.at(1));
+    EXPECT_TRUE(m_trace.contains("swapctl failed : " + std::string(std::strerror(EOVERFLOW))));
+}
+
 TEST_F(MemoryGroupTest, PageProductsPastThirtyTwoBitsStayExact)
 {
     // 24 GiB of 4 KiB pages: the byte count needs 35 bits.

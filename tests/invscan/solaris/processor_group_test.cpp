@@ -123,6 +123,8 @@ TEST_F(ProcessorGroupTest, AnyFailureGivesNoTableAndOneTraceLine)
         {"(Other\n)\n", "1.0 0 ok", "ERROR: missing ProcessorTable"},
         {"(ProcessorTable\nTotalPackageCount:i=1\n" + one + ")\n", "1.0 3 no access", "[E] VT command returned 3 data="},
         {"", "garbage", "[E] VT command returned -1 data="},
+        {"(ProcessorTable\nTotalPackageCount:i=1\n" + package("TotalCoreCount:i=2000000000\n") + ")\n", "1.0 0 ok",
+         "[E] Invalid core count 2000000000 for proc #0"},
     };
     for (const Case& c : cases) {
         capture.clear();
