@@ -248,16 +248,27 @@ public:
             errno = EINVAL;
             return -1;
         }
-        cpu_set_t mask;
-        CPU_ZERO(&mask);
-        if (sched_getaffinity(0, sizeof mask, &mask) != 0) return -1;
+        // Sized from the configured processors, so large machines are not cut at 1024.
+        const long configured = ::sysconf(_SC_NPROCESSORS_CONF);
+        const int possible = configured > CPU_SETSIZE ? static_cast<int>(configured) : CPU_SETSIZE;
+        cpu_set_t* mask = CPU_ALLOC(possible);
+        if (!mask) return -1;
+        const size_t size = CPU_ALLOC_SIZE(possible);
+        CPU_ZERO_S(size, mask);
+        if (sched_getaffinity(0, size, mask) != 0) {
+            const int saved = errno;
+            CPU_FREE(mask);
+            errno = saved;
+            return -1;
+        }
         const uint_t capacity = numcpus ? *numcpus : 0;
         uint_t n = 0;
-        for (int cpu = 0; cpu < CPU_SETSIZE; ++cpu) {
-            if (!CPU_ISSET(cpu, &mask)) continue;
+        for (int cpu = 0; cpu < possible; ++cpu) {
+            if (!CPU_ISSET_S(cpu, size, mask)) continue;
             if (cpulist && n < capacity) cpulist[n] = cpu;
             ++n;
         }
+        CPU_FREE(mask);
         if (type) *type = PS_NONE;
         if (numcpus) *numcpus = n;
         return 0;
