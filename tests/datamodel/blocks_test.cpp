@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "invscan/com/KorTable.h"
+#include "invscan/com/KorValue.h"
 
 namespace {
 
@@ -147,11 +148,45 @@ TEST_F(UtcZone, SignedLongIsALocalDateTime)
     EXPECT_EQ(std::string(b.begin() + 12, b.end()), "2024-01-31-23.59.58.000000");
 }
 
-TEST(AttribBlock, AccessorsReadTheBlock)
+TEST(AttribBlock, EveryBlockDecodesBackAndDamagedOnesAreRefused)
 {
-    KorTableAttrib a(42, 1u);
-    EXPECT_EQ(a.getId(), 42u);
-    EXPECT_EQ(a.getType(), KOR_ULONG);
+    KorValue v;
+    ASSERT_TRUE(decodeKorValue(KorTableAttrib(4, _uquad{{0xFFFFFFFFu, 7u}}).getAttribPtr(), v));
+    EXPECT_EQ(v.uquadFirstWord(), -1);  // what the diagnostic dump prints
+    ASSERT_TRUE(decodeKorValue(KorTableAttrib(5, 1.5f).getAttribPtr(), v));
+    EXPECT_EQ(v.real, 1.5);
+    ASSERT_TRUE(decodeKorValue(KorTableAttrib(11, -2ll).getAttribPtr(), v));
+    EXPECT_EQ(v.signedNumber, -2);
+    ASSERT_TRUE(decodeKorValue(KorTableAttrib(12, L"x\u00e9").getAttribPtr(), v));
+    EXPECT_EQ(v.text, L"x\u00e9");
+    const unsigned char raw[] = {0, 0xFF};
+    ASSERT_TRUE(decodeKorValue(KorTableAttrib(8, raw, 2u).getAttribPtr(), v));
+    EXPECT_EQ(v.bytes, std::string("\0\xFF", 2));
+    ASSERT_TRUE(decodeKorValue(KorTableAttrib(10, 0x0102030405060708ull).getAttribPtr(), v));
+    EXPECT_EQ(v.number, 0x0102030405060708ull);
+    EXPECT_EQ(v.id, 10u);
+
+    // Each damage: the block's bytes, a word to overwrite and its new value.
+    const KorTableAttrib ulong(3, 30ul), text(2, "abc"), octets(8, raw, 2u);
+    struct Case {
+        const char* what;
+        const KorTableAttrib& attrib;
+        size_t offset;
+        uint32_t value;
+    } cases[] = {
+        {"size below the header", ulong, 0, 11},   {"size one short", ulong, 0, 15},
+        {"size one long", ulong, 0, 17},           {"type 0", ulong, 8, 0},
+        {"unknown type", ulong, 8, 77},            {"string count past the block", text, 12, 1000},
+        {"string count 0", text, 12, 0},           {"string count short of the block", text, 12, 2},
+        {"octet count past the block", octets, 12, 3},
+    };
+    for (const Case& c : cases) {
+        Bytes b = blockOf(c.attrib);
+        b.resize(b.size() + 8);  // room for a lying size word to point into
+        std::memcpy(b.data() + c.offset, &c.value, 4);
+        EXPECT_FALSE(decodeKorValue(b.data(), v)) << c.what;
+    }
+    EXPECT_FALSE(decodeKorValue(nullptr, v));
 }
 
 }  // namespace

@@ -1,6 +1,9 @@
 #include "support/TableReader.h"
 
-#include <cstring>
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <set>
 
 #include "framework/utils.h"
 #include "invscan/com/KorTable.h"
@@ -8,54 +11,134 @@
 namespace testsupport {
 
 namespace {
-template <typename T>
-T at(const unsigned char* block, size_t offset)
+// Attributes a group emits with another type than the catalogue's, on
+// purpose: group id, attribute id, the type it carries.
+struct Deliberate {
+    unsigned long group, attrib;
+    uint32_t type;
+};
+// CpuMeter's tick counters are 64-bit, as the group's hosts read them.
+const Deliberate kDeliberate[] = {{46, 1, KOR_ULONGLONG}, {46, 2, KOR_ULONGLONG}, {46, 3, KOR_ULONGLONG},
+                                  {46, 4, KOR_ULONGLONG}, {46, 5, KOR_ULONGLONG}};
+
+bool deliberate(unsigned long group, const KorValue& v)
 {
-    T value;
-    std::memcpy(&value, block + offset, sizeof value);
-    return value;
+    for (const Deliberate& d : kDeliberate)
+        if (d.group == group && d.attrib == v.id && d.type == v.type) return true;
+    return false;
+}
+
+std::string attribName(const KorTable& table, unsigned long id)
+{
+    const char* name = getAttribNameFromId(table.getGroupDefinitionFromId(), id);
+    return name ? name : "attribute " + std::to_string(id);
 }
 }  // namespace
 
-std::vector<std::map<unsigned long, Cell>> readTable(KorTable& table)
+std::vector<Row> readTable(KorTable& table)
 {
-    std::vector<std::map<unsigned long, Cell>> rows;
+    std::vector<Row> rows;
     table.reset();
     while (KorTableRow* row = table.getNext()) {
-        std::map<unsigned long, Cell> cells;
+        Row values;
         row->reset();
-        while (KorTableAttrib* attrib = row->getNext()) {
-            const unsigned char* block = attrib->getAttribPtr();
-            if (!block) continue;
-            Cell c;
-            c.type = attrib->getType();
-            const size_t v = 12;  // size, id and type come first
-            switch (c.type) {
-            case KOR_UCHAR: c.number = at<uint8_t>(block, v); break;
-            case KOR_USHORT: c.number = at<uint16_t>(block, v); break;
-            case KOR_ULONG: c.number = at<uint32_t>(block, v); break;
-            case KOR_ULONGLONG:
-            case KOR_LONGLONG: c.number = at<uint64_t>(block, v); break;
-            case KOR_FLOAT: c.real = at<float>(block, v); break;
-            case KOR_DOUBLE: c.real = at<double>(block, v); break;
-            case KOR_STRING:
-            case KOR_WIDESTRING: {
-                const uint32_t count = at<uint32_t>(block, v);  // with the terminator
-                std::wstring wide;
-                for (uint32_t i = 0; i + 1 < count; ++i)
-                    wide += static_cast<wchar_t>(at<uint32_t>(block, v + 4 + 4 * i));
-                c.text = utils::stringToUTF8(wide);
-                break;
-            }
-            default: break;
-            }
-            cells[attrib->getId()] = c;
+        // Walk by count: a null attribute would end getNext() early.
+        for (unsigned long i = 0; i < row->getNumAttribs(); ++i) {
+            KorTableAttrib* attrib = row->getNext();
+            KorValue v;
+            if (!attrib || !decodeKorValue(attrib->getAttribPtr(), v)) v.type = 0;
+            values.push_back(v);
         }
         row->reset();
-        rows.push_back(cells);
+        rows.push_back(values);
     }
     table.reset();
     return rows;
+}
+
+const KorValue& cell(const Row& row, unsigned long id)
+{
+    static const KorValue none;
+    const KorValue* found = nullptr;
+    for (const KorValue& v : row) {
+        if (v.id != id) continue;
+        if (found) {
+            ADD_FAILURE() << "attribute " << id << " appears twice";
+            return none;
+        }
+        found = &v;
+    }
+    if (!found) ADD_FAILURE() << "attribute " << id << " is missing";
+    return found ? *found : none;
+}
+
+std::string valueText(const KorValue& v)
+{
+    char buffer[64];
+    switch (v.type) {
+    case KOR_FLOAT:
+    case KOR_DOUBLE:
+        std::snprintf(buffer, sizeof buffer, "%.9g", v.real);
+        return buffer;
+    case KOR_LONGLONG: return std::to_string(v.signedNumber);
+    case KOR_STRING:
+    case KOR_WIDESTRING: return utils::stringToUTF8(v.text);
+    case KOR_DATETIME: return v.bytes;
+    case KOR_OCTETSTRING: {
+        std::string hex;
+        for (unsigned char c : v.bytes) {
+            std::snprintf(buffer, sizeof buffer, "%02X", c);
+            hex += buffer;
+        }
+        return hex;
+    }
+    case 0: return "(unreadable)";
+    default: return std::to_string(v.number);
+    }
+}
+
+std::string tableText(KorTable& table)
+{
+    std::string out = std::string(table.getGroupName()) + "\n";
+    int index = 0;
+    for (const Row& row : readTable(table)) {
+        out += "[" + std::to_string(++index) + "]\n";
+        for (const KorValue& v : row) out += "  " + attribName(table, v.id) + " = " + valueText(v) + "\n";
+    }
+    return out;
+}
+
+std::vector<std::string> catalogueProblems(KorTable& table)
+{
+    std::vector<std::string> problems;
+    const korGroupDef* group = table.getGroupDefinitionFromId();
+    if (!group) return {"group " + std::to_string(table.getGroupId()) + " is not catalogued"};
+    int index = 0;
+    for (const Row& row : readTable(table)) {
+        ++index;
+        std::set<uint32_t> seen;
+        for (const KorValue& v : row) {
+            const std::string where = "row " + std::to_string(index) + ", " + attribName(table, v.id) + ": ";
+            if (v.type == 0) {
+                problems.push_back(where + "null or unreadable");
+                continue;
+            }
+            if (!seen.insert(v.id).second) problems.push_back(where + "appears twice");
+            const korAttribDef* def = getAttribDefinitionFromId(group, v.id);
+            if (!def) {
+                problems.push_back(where + "not an attribute of " + group->name);
+                continue;
+            }
+            if (def->type != v.type && !deliberate(group->id, v))
+                problems.push_back(where + "type " + std::to_string(v.type) + ", catalogue says " +
+                                   std::to_string(def->type));
+            if ((v.type == KOR_STRING || v.type == KOR_WIDESTRING) && def->maxLength > 0 &&
+                v.text.size() > def->maxLength)
+                problems.push_back(where + std::to_string(v.text.size()) + " characters, longer than " +
+                                   std::to_string(def->maxLength));
+        }
+    }
+    return problems;
 }
 
 }  // namespace testsupport

@@ -1,24 +1,36 @@
 #pragma once
-// Reads a table's attribute blocks back into plain values, so group tests can
-// compare what a host would see.
-#include <cstdint>
-#include <map>
+// Reads a table back as a host would see it: every attribute in row order,
+// repeated and null ones included, through the library's own block decoder.
 #include <string>
 #include <vector>
+
+#include "invscan/com/KorValue.h"
 
 class KorTable;
 
 namespace testsupport {
 
-struct Cell {
-    unsigned long type = 0;
-    unsigned long long number = 0;  // integer types and date-times
-    double real = 0;                // float and double
-    std::string text;               // strings, as UTF-8
-};
+// A null attribute, or one whose block does not decode, has type 0.
+using Row = std::vector<KorValue>;
 
-// One map per row, attribute id to its value, in row order. The table is
-// walked from its start and left reset.
-std::vector<std::map<unsigned long, Cell>> readTable(KorTable& table);
+// The table is walked from its start and left reset.
+std::vector<Row> readTable(KorTable& table);
+
+// The one value with this id: a test failure (and an empty value) when the
+// row has none, or more than one.
+const KorValue& cell(const Row& row, unsigned long id);
+
+// Strings in UTF-8, numbers in decimal, reals with %.9g, octets in hex.
+std::string valueText(const KorValue& value);
+
+// The table as plain text: its group name, then "[n]" and one
+// "Name = value" line per attribute for each row. Machine files hold this.
+std::string tableText(KorTable& table);
+
+// What in the table disagrees with the catalogue: an attribute that is null
+// or unreadable, an id the group does not have, a type other than the
+// catalogue's, a string longer than its length, an id twice in one row.
+// Empty when the table is sound.
+std::vector<std::string> catalogueProblems(KorTable& table);
 
 }  // namespace testsupport

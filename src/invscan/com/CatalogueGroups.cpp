@@ -1,6 +1,7 @@
 // The attribute and key tables of the groups this library produces, and the
 // group table itself.
 #include "invscan/com/CatalogueDefs.h"
+#include "invscan/com/CatalogueIds.h"
 
 // Counters of mainframe processor classes: part of the shared schema, never
 // filled here.
@@ -23,10 +24,12 @@ const korAttribDef COMPONENTID_ATTRS_DEF[] = {
     KSTR(14, "Platform", 128), MAINFRAME_CPU_COUNTERS(15), KATTR_END};
 
 const korAttribDef PROCESSOR_ATTRS_DEF[] = {
-    KULONG(1, "Index"), KSTR(2, "ID", 32), KSTR(3, "Family", 32), KULONG(4, "MaxClockSpeed"),
-    KULONG(5, "CurrentClockSpeed"), KULONG(6, "ExternalClockSpeed"), KSTR(7, "Manufacturer", 128),
-    KSTR(8, "Serial Number", 64), KSTR_ENUM(9, "Interface", 32, PROCESSOR_INTERFACE_ENUM_DEF),
-    KULONG(10, "Chip Family"), KULONG(11, "Chip Model"), KULONG(12, "Chip Stepping"),
+    KULONG(PROC_INDEX, "Index"), KSTR(PROC_ID, "ID", 32), KSTR(PROC_FAMILY, "Family", 32),
+    KULONG(PROC_MAX_CLOCK, "MaxClockSpeed"), KULONG(PROC_CURRENT_CLOCK, "CurrentClockSpeed"),
+    KULONG(PROC_EXTERNAL_CLOCK, "ExternalClockSpeed"), KSTR(PROC_MANUFACTURER, "Manufacturer", 128),
+    KSTR(PROC_SERIAL_NUMBER, "Serial Number", 64), KSTR_ENUM(9, "Interface", 32, PROCESSOR_INTERFACE_ENUM_DEF),
+    KULONG(PROC_CHIP_FAMILY, "Chip Family"), KULONG(PROC_CHIP_MODEL, "Chip Model"),
+    KULONG(PROC_CHIP_STEPPING, "Chip Stepping"),
     KULONG(13, "Chip Features"), KSTR(14, "Floating Point Unit Present", 1),
     KSTR(15, "Virtual Mode Extensions", 1), KSTR(16, "Debug Extension Present", 1),
     KSTR(17, "Page Size Extensions", 1), KSTR(18, "Time Stamp Counter", 1),
@@ -40,13 +43,14 @@ const korAttribDef PROCESSOR_ATTRS_DEF[] = {
     KSTR(33, "Fast Floating Point Save/Restore", 1), KSTR(34, "Streaming SIMD Extensions", 1),
     KSTR(35, "AMD 3DNow!(tm) Technology", 1), KULONG(36, "Board"), KULONG(37, "CPU Number"),
     KULONG(38, "Module"), KSTR(39, "Ecache MB", 16), KSTR(40, "CPU Impl", 16), KSTR(41, "CPU Mask", 16),
-    KSTR(42, "CPU Enabled", 1), KULONG(43, "Physical Package Count"), KULONG(44, "CorePerPackage Count"),
+    KSTR(PROC_CPU_ENABLED, "CPU Enabled", 1), KULONG(43, "Physical Package Count"), KULONG(44, "CorePerPackage Count"),
     KULONG(45, "LogicalProcPerCore Count"), KATTR_END};
 
 const korAttribDef MEMORY_ATTRS_DEF[] = {
-    KULONG(1, "Total Physical"), KULONG(2, "Free Physical"), KULONG(3, "Total Virtual"),
-    KULONG(4, "Free Virtual"), KULONG(5, "Total Page"), KULONG(6, "Free Page"), KULONG(7, "Page Size"),
-    KULONG(8, "Max Memory MB"), KULONG(9, "Num Slots Supported"), KATTR_END};
+    KULONG(MEM_TOTAL_PHYSICAL, "Total Physical"), KULONG(MEM_FREE_PHYSICAL, "Free Physical"),
+    KULONG(MEM_TOTAL_VIRTUAL, "Total Virtual"), KULONG(MEM_FREE_VIRTUAL, "Free Virtual"),
+    KULONG(MEM_TOTAL_PAGE, "Total Page"), KULONG(MEM_FREE_PAGE, "Free Page"), KULONG(MEM_PAGE_SIZE, "Page Size"),
+    KULONG(MEM_MAX_MEMORY_MB, "Max Memory MB"), KULONG(MEM_NUM_SLOTS, "Num Slots Supported"), KATTR_END};
 
 const korAttribDef OPER_SYS_ATTRS_DEF[] = {
     KSTR(1, "Name", 128), KULONG_ENUM(2, "Type", OS_TYPE_ENUM_DEF), KULONG(3, "Major Version"),
@@ -147,11 +151,13 @@ const korAttribDef VIRTUAL_MACHINE_GUEST_ATTRS_DEF[] = {
     KFLOAT(5, "CapacityInCores"), KSTR(6, "RsetID", 50), KULONG(7, "RsetCpuCount"), KSTR(8, "RsetCpuList", 500),
     KSTR(9, "HypervisorType", 50), KATTR_END};
 
-const korAttribDef CPU_METER_ATTRS_DEF[] = {KULONG(1, "IdleTime"), KULONG(2, "UserTime"), KULONG(3, "WaitTime"),
-                                            KULONG(4, "SysTime"), KULONG(5, "SystemUpTime"), KATTR_END};
+const korAttribDef CPU_METER_ATTRS_DEF[] = {
+    KULONG(METER_IDLE_TIME, "IdleTime"), KULONG(METER_USER_TIME, "UserTime"), KULONG(METER_WAIT_TIME, "WaitTime"),
+    KULONG(METER_SYS_TIME, "SysTime"), KULONG(METER_SYSTEM_UP_TIME, "SystemUpTime"), KATTR_END};
 
-const korAttribDef CPU_UNIX_METER_ATTRS_DEF[] = {KFLOAT(1, "LoadAvg1"), KFLOAT(2, "LoadAvg5"),
-                                                 KFLOAT(3, "LoadAvg15"), KATTR_END};
+const korAttribDef CPU_UNIX_METER_ATTRS_DEF[] = {KFLOAT(METER_LOAD_AVG_1, "LoadAvg1"),
+                                                 KFLOAT(METER_LOAD_AVG_5, "LoadAvg5"),
+                                                 KFLOAT(METER_LOAD_AVG_15, "LoadAvg15"), KATTR_END};
 
 const korAttribDef VIRTUAL_MACHINE_ATTRS_DEF[] = {
     KSTR(1, "Name", 128), KULONG(2, "Number"), KSTR(3, "VirtualMachineID", 48), KSTR(4, "OSType", 24),
@@ -198,8 +204,8 @@ const uint32_t SAN_ADAPTER_KEYS_DEF[] = {1, 2};
 
 const korGroupDef GROUPS_DEF[] = {
     KGROUP_NOKEYS(1, "ComponentID", COMPONENTID_ATTRS_DEF),
-    KGROUP(2, "Processor", PROCESSOR_ATTRS_DEF, PROCESSOR_KEYS_DEF),
-    KGROUP_NOKEYS(3, "Memory", MEMORY_ATTRS_DEF),
+    KGROUP(PROCESSOR_GROUP, "Processor", PROCESSOR_ATTRS_DEF, PROCESSOR_KEYS_DEF),
+    KGROUP_NOKEYS(MEMORY_GROUP, "Memory", MEMORY_ATTRS_DEF),
     KGROUP_NOKEYS(4, "Operating System", OPER_SYS_ATTRS_DEF),
     KGROUP(5, "Storage", STORAGE_ATTRS_DEF, STORAGE_KEYS_DEF),
     KGROUP(6, "IP Address", IP_ADDR_ATTRS_DEF, IP_ADDRESS_KEYS_DEF),
@@ -214,8 +220,8 @@ const korGroupDef GROUPS_DEF[] = {
     KGROUP(44, "PhysicalProcessor", PHYS_PROC_ATTRS_DEF, PHYS_PROC_KEYS_DEF),
     KGROUP_NOKEYS(34, "Lpar", LPAR_ATTRS_DEF),
     KGROUP_NOKEYS(50, "VirtualMachineGuest", VIRTUAL_MACHINE_GUEST_ATTRS_DEF),
-    KGROUP_NOKEYS(46, "CpuMeter", CPU_METER_ATTRS_DEF),
-    KGROUP_NOKEYS(47, "UnixCpuMeter", CPU_UNIX_METER_ATTRS_DEF),
+    KGROUP_NOKEYS(CPU_METER_GROUP, "CpuMeter", CPU_METER_ATTRS_DEF),
+    KGROUP_NOKEYS(UNIX_CPU_METER_GROUP, "UnixCpuMeter", CPU_UNIX_METER_ATTRS_DEF),
     KGROUP(49, "VirtualMachine", VIRTUAL_MACHINE_ATTRS_DEF, VIRTUAL_MACHINE_KEYS_DEF),
     KGROUP(53, "PartitionToStorage", PART2STOR_ATTRS_DEF, PART2STOR_KEYS_DEF),
     KGROUP(54, "SAN Adapter", SAN_ADAPTER_ATTRS_DEF, SAN_ADAPTER_KEYS_DEF),

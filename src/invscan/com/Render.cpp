@@ -1,5 +1,7 @@
 #include "invscan/com/Render.h"
 
+#include "invscan/com/KorValue.h"
+
 #include <clocale>
 #include <climits>
 #include <cstdlib>
@@ -9,15 +11,6 @@
 #include <string>
 
 namespace {
-uint32_t get32(const unsigned char* at)
-{
-    uint32_t v;
-    std::memcpy(&v, at, 4);
-    return v;
-}
-
-const KorString* korStringAt(const unsigned char* at) { return reinterpret_cast<const KorString*>(at); }
-
 // Writes one wide character to a narrow or wide stream: a byte-oriented
 // stream (stdout after printf) would refuse fputwc.
 void putWide(FILE* stream, wchar_t c)
@@ -33,6 +26,15 @@ void putWide(FILE* stream, wchar_t c)
         fputc('?', stream);
     else
         fwrite(bytes, 1, n, stream);
+}
+
+void printWide(FILE* stream, const std::wstring& text)
+{
+    if (text.empty()) return;
+    std::wstring copy(text);
+    wchar_t* escaped = dmtf_escape(&copy[0]);
+    for (const wchar_t* c = escaped; *c; ++c) putWide(stream, *c);
+    if (escaped != copy.c_str()) delete[] escaped;
 }
 }  // namespace
 
@@ -130,13 +132,9 @@ void PrintKorFloat(FILE* stream, double value)
 void PrintKorStringToFile(FILE* stream, const KorString* korString)
 {
     if (!korString || korString->count < 1) return;
-    const auto* raw = reinterpret_cast<const unsigned char*>(korString) + 4;
-    std::wstring text(korString->count, L'\0');
-    std::memcpy(&text[0], raw, 4ul * korString->count);
-    text.back() = L'\0';
-    wchar_t* escaped = dmtf_escape(&text[0]);
-    for (const wchar_t* c = escaped; *c; ++c) putWide(stream, *c);
-    if (escaped != text.c_str()) delete[] escaped;
+    std::wstring text;
+    const auto* at = reinterpret_cast<const unsigned char*>(korString);
+    if (decodeKorString(at, SizeofKorString(korString), text, nullptr)) printWide(stream, text);
 }
 
 void PrintOctetStringToFile(FILE* stream, const unsigned char* bytes, unsigned long length)
@@ -161,74 +159,58 @@ void PrintKorEnumToFile(FILE* stream, const korAttribDef* attribDef)
 namespace {
 // The value forms the two printers share; `verbose` adds the hexadecimal
 // echoes of the diagnostic dump.
-void printValue(FILE* stream, const unsigned char* block, bool verbose)
+void printValue(FILE* stream, const KorValue& v, bool decoded, bool verbose)
 {
-    const uint32_t type = get32(block + 8);
-    const unsigned char* v = block + 12;
-    switch (type) {
+    if (!decoded) {
+        if (verbose) std::fputs("Unknown attrib value type", stream);
+        return;
+    }
+    switch (v.type) {
     case KOR_UCHAR:
-        std::fprintf(stream, "0x%02X", v[0]);
+        std::fprintf(stream, "0x%02X", static_cast<unsigned>(v.number));
         break;
-    case KOR_USHORT: {
-        unsigned short s;
-        std::memcpy(&s, v, 2);
+    case KOR_USHORT:
         if (verbose)
-            std::fprintf(stream, "%d (0x%04X)", s, s);
+            std::fprintf(stream, "%d (0x%04X)", static_cast<int>(v.number), static_cast<unsigned>(v.number));
         else
-            std::fprintf(stream, "%d", s);
+            std::fprintf(stream, "%d", static_cast<int>(v.number));
         break;
-    }
-    case KOR_ULONG: {
-        const uint32_t u = get32(v);
+    case KOR_ULONG:
         if (verbose)
-            std::fprintf(stream, "%lu (0x%08X)", static_cast<unsigned long>(u), u);
+            std::fprintf(stream, "%lu (0x%08X)", static_cast<unsigned long>(v.number), static_cast<unsigned>(v.number));
         else
-            std::fprintf(stream, "%lu", static_cast<unsigned long>(u));
+            std::fprintf(stream, "%lu", static_cast<unsigned long>(v.number));
         break;
-    }
     case KOR_UQUAD:
         // Only the first word, as a signed number: hosts' dumps show it so.
-        std::fprintf(stream, "%ld", static_cast<long>(static_cast<int32_t>(get32(v))));
+        std::fprintf(stream, "%ld", static_cast<long>(v.uquadFirstWord()));
         break;
-    case KOR_FLOAT: {
-        float f;
-        std::memcpy(&f, v, 4);
-        PrintKorFloat(stream, f);
+    case KOR_FLOAT:
+    case KOR_DOUBLE:
+        PrintKorFloat(stream, v.real);
         break;
-    }
-    case KOR_DOUBLE: {
-        double d;
-        std::memcpy(&d, v, 8);
-        PrintKorFloat(stream, d);
-        break;
-    }
     case KOR_STRING:
-        if (get32(v) != 0) PrintKorStringToFile(stream, korStringAt(v));
+        printWide(stream, v.text);
         break;
     case KOR_OCTETSTRING:
-        if (get32(v) != 0) PrintOctetStringToFile(stream, v + 4, get32(v));
+        if (!v.bytes.empty())
+            PrintOctetStringToFile(stream, reinterpret_cast<const unsigned char*>(v.bytes.data()), v.bytes.size());
         break;
     case KOR_DATETIME:
-        PrintKorTimeBlockToFile(stream, reinterpret_cast<const char*>(v));
+        PrintKorTimeBlockToFile(stream, v.bytes.data());
         break;
-    case KOR_ULONGLONG: {
-        unsigned long long u;
-        std::memcpy(&u, v, 8);
+    case KOR_ULONGLONG:
         if (verbose)
-            std::fprintf(stream, "%llu (0x%16X)", u, static_cast<unsigned>(u));
+            std::fprintf(stream, "%llu (0x%16X)", v.number, static_cast<unsigned>(v.number));
         else
-            std::fprintf(stream, "%llu", u);
+            std::fprintf(stream, "%llu", v.number);
         break;
-    }
-    case KOR_LONGLONG: {
-        long long s;
-        std::memcpy(&s, v, 8);
+    case KOR_LONGLONG:
         if (verbose)
-            std::fprintf(stream, "%lld (0x%16X)", s, static_cast<unsigned>(s));
+            std::fprintf(stream, "%lld (0x%16X)", v.signedNumber, static_cast<unsigned>(v.signedNumber));
         else
-            std::fprintf(stream, "%lld", s);
+            std::fprintf(stream, "%lld", v.signedNumber);
         break;
-    }
     default:  // wide strings deliberately included
         if (verbose) std::fputs("Unknown attrib value type", stream);
         break;
@@ -239,15 +221,19 @@ void printValue(FILE* stream, const unsigned char* block, bool verbose)
 void PrintKorAttribValue(const unsigned char* block)
 {
     if (!block) return;
-    const uint32_t type = get32(block + 8);
-    std::printf("\n\t\t---len      : %lu", static_cast<unsigned long>(get32(block)));
-    std::printf("\n\t\t   attribId : x%08X", get32(block + 4));
-    std::printf("\n\t\t   kor_type : %lu (%s)", static_cast<unsigned long>(type), getKorAttribTypeAsString(type));
+    KorValue v;
+    const bool decoded = decodeKorValue(block, v);
+    std::printf("\n\t\t---len      : %lu", static_cast<unsigned long>(v.size));
+    std::printf("\n\t\t   attribId : x%08X", v.id);
+    std::printf("\n\t\t   kor_type : %lu (%s)", static_cast<unsigned long>(v.type), getKorAttribTypeAsString(v.type));
     std::printf("\n\t\t   value    : ");
-    printValue(stdout, block, true);
+    printValue(stdout, v, decoded, true);
 }
 
 void PrintKorAttribValueToFile(FILE* stream, const unsigned char* block)
 {
-    if (stream && block) printValue(stream, block, false);
+    if (!stream || !block) return;
+    KorValue v;
+    const bool decoded = decodeKorValue(block, v);
+    printValue(stream, v, decoded, false);
 }

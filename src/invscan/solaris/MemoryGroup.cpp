@@ -8,6 +8,7 @@
 
 #include "common/sys/System.h"
 #include "framework/Trace.h"
+#include "invscan/com/CatalogueIds.h"
 #include "invscan/com/GroupRegistry.h"
 
 namespace {
@@ -103,24 +104,17 @@ KorTableAttrib* ulong32(unsigned long id, long long value)
 
 }  // namespace
 
-MemoryGroup::MemoryGroup() : KorGroup(3, 1) {}
-
-KorTable* MemoryGroup::getTable()
+MemoryFacts gatherMemoryFacts(sys::System& os)
 {
-    CcLogWrapper::traceMidEntry(getCcLogHw(), __LINE__, kSource, kFunction, "hardware %s", "MemoryGroup");
-    sys::System& os = sys::current();
-
-    const long pageSize = os.sysconf(_SC_PAGESIZE);
-    const long numPages = os.sysconf(_SC_PHYS_PAGES);
-    const long freePages = os.sysconf(_SC_AVPHYS_PAGES);
-    MEM_TRACE(traceMID, "hardware %s %ld", "PageSize :", pageSize);
-    MEM_TRACE(traceMID, "hardware %s %ld", "NumPages :", numPages);
-    MEM_TRACE(traceMID, "hardware %s %ld", "FreePages :", freePages);
-
-    const long long totalPhysKB = pagesToKB(numPages, pageSize);
-    MEM_TRACE(traceMID, "hardware %s %ld", "TotalSize :", static_cast<long>(totalPhysKB));
-    const long long freePhysKB = pagesToKB(freePages, pageSize);
-    MEM_TRACE(traceMID, "hardware %s %ld", "FreeSize :", static_cast<long>(freePhysKB));
+    MemoryFacts facts;
+    facts.pageSize = os.sysconf(_SC_PAGESIZE);
+    facts.physPages = os.sysconf(_SC_PHYS_PAGES);
+    facts.freePages = os.sysconf(_SC_AVPHYS_PAGES);
+    MEM_TRACE(traceMID, "hardware %s %ld", "PageSize :", facts.pageSize);
+    MEM_TRACE(traceMID, "hardware %s %ld", "NumPages :", facts.physPages);
+    MEM_TRACE(traceMID, "hardware %s %ld", "FreePages :", facts.freePages);
+    MEM_TRACE(traceMID, "hardware %s %ld", "TotalSize :", static_cast<long>(pagesToKB(facts.physPages, facts.pageSize)));
+    MEM_TRACE(traceMID, "hardware %s %ld", "FreeSize :", static_cast<long>(pagesToKB(facts.freePages, facts.pageSize)));
 
     Swap swap;
     errno = 0;
@@ -128,31 +122,45 @@ KorTable* MemoryGroup::getTable()
     if (devices < 1) {
         // The text names SC_LIST though SC_GETNSWP failed: kept as hosts know it.
         MEM_TRACE(traceMID, "hardware swapctl(SC_LIST) failed(%s), trying swapctl(SC_AINFO)", std::strerror(errno));
-        swap = swapFromAnonInfo(os, pageSize);
+        swap = swapFromAnonInfo(os, facts.pageSize);
+    } else if (devices > kMaxSwapDevices) {
+        // No machine has this many devices; the bound keeps the sizes from
+        // wrapping on a 32-bit build.
+        MEM_TRACE(traceMID, "hardware %s %s", "swapctl failed :", std::strerror(EOVERFLOW));
     } else {
-        // No machine has this many devices; the bound keeps the sizes below
-        // from wrapping on a 32-bit build.
-        if (devices > kMaxSwapDevices) {
-            MEM_TRACE(traceMID, "hardware %s %s", "swapctl failed :", std::strerror(EOVERFLOW));
-        } else {
-            swap = swapFromDevices(os, devices + 1, pageSize);
-        }
+        swap = swapFromDevices(os, devices + 1, facts.pageSize);
     }
+    facts.swapTotalKB = swap.totalKB;
+    facts.swapFreeKB = swap.freeKB;
+    return facts;
+}
 
+void shapeMemoryRow(const MemoryFacts& facts, KorTable& table)
+{
+    const long long totalKB = pagesToKB(facts.physPages, facts.pageSize);
+    const long long freeKB = pagesToKB(facts.freePages, facts.pageSize);
+    auto* row = new KorTableRow;
+    row->addAttrib(ulong32(MEM_TOTAL_PHYSICAL, totalKB));
+    row->addAttrib(ulong32(MEM_FREE_PHYSICAL, freeKB));
+    row->addAttrib(ulong32(MEM_TOTAL_VIRTUAL, facts.swapTotalKB + totalKB));
+    row->addAttrib(ulong32(MEM_FREE_VIRTUAL, facts.swapFreeKB + freeKB));
+    row->addAttrib(ulong32(MEM_TOTAL_PAGE, facts.physPages));
+    row->addAttrib(ulong32(MEM_FREE_PAGE, facts.freePages));
+    row->addAttrib(ulong32(MEM_PAGE_SIZE, facts.pageSize));
+    table.addRow(row);
+}
+
+MemoryGroup::MemoryGroup() : KorGroup(MEMORY_GROUP, 1) {}
+
+KorTable* MemoryGroup::getTable()
+{
+    CcLogWrapper::traceMidEntry(getCcLogHw(), __LINE__, kSource, kFunction, "hardware %s", "MemoryGroup");
+    const MemoryFacts facts = gatherMemoryFacts(sys::current());
     auto* table = new KorTable(getGroupId(), getGroupVersion());
     MEM_TRACE(traceMAX, "hardware %s %p", "table :", static_cast<void*>(table));
-    auto* row = new KorTableRow;
-    row->addAttrib(ulong32(1, totalPhysKB));
-    row->addAttrib(ulong32(2, freePhysKB));
-    row->addAttrib(ulong32(3, swap.totalKB + totalPhysKB));
-    row->addAttrib(ulong32(4, swap.freeKB + freePhysKB));
-    row->addAttrib(ulong32(5, numPages));
-    row->addAttrib(ulong32(6, freePages));
-    row->addAttrib(ulong32(7, pageSize));
-    table->addRow(row);
-
+    shapeMemoryRow(facts, *table);
     CcLogWrapper::traceMidExit(getCcLogHw(), __LINE__, kSource, kFunction, "hardware %s", "MemoryGroup");
     return table;
 }
 
-INVSCAN_REGISTER_GROUP(3, MemoryGroup);
+INVSCAN_REGISTER_GROUP(MEMORY_GROUP, MemoryGroup);

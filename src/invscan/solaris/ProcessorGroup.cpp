@@ -1,5 +1,7 @@
 #include "invscan/solaris/ProcessorGroup.h"
 
+#include <unistd.h>
+
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
@@ -9,6 +11,7 @@
 #include "common/sys/System.h"
 #include "common/vartree/vtexec.h"
 #include "framework/Trace.h"
+#include "invscan/com/CatalogueIds.h"
 #include "invscan/com/GroupRegistry.h"
 #include "invscan/com/md5.h"
 #include "invscan/com/probeVT.h"
@@ -16,8 +19,12 @@
 namespace {
 
 const char* const kSource = "./../../../src/invscan/solaris/ProcessorGroup";
+const char* const kFunction = "getTable()";
+#define PROC_TRACE(level, ...) CcLogWrapper::level(getCcLogHw(), __LINE__, kSource, kFunction, __VA_ARGS__)
 
-constexpr int kMaxCoresPerPackage = 65536;
+// More rows than this no real machine has; used when the processor count
+// cannot be had.
+constexpr long kMaxRows = 65536;
 
 // Not filled by anything: hosts get an empty serial number.
 char g_serialNumber[64];
@@ -25,98 +32,121 @@ char g_serialNumber[64];
 // The identifier's text. The historical format ended in an incomplete "%l"
 // that printed nothing there; handing it to printf here would be undefined,
 // so the text simply stops after the stepping and the ids stay stable.
-std::string idText(const char* manufacturer, int clock, int family, int model, int stepping)
+std::string idText(const ProcessorPackage& p)
 {
     char text[512];
-    std::snprintf(text, sizeof text, "%s%s%i%i%i%i%i%i%i%i", manufacturer, "i386", 0, clock, clock, 0, 0, family,
-                  model, stepping);
+    std::snprintf(text, sizeof text, "%s%s%i%i%i%i%i%i%i%i", p.manufacturer.c_str(), "i386", 0, p.clockMHz,
+                  p.clockMHz, 0, 0, p.family, p.model, p.stepping);
     return text;
+}
+
+// Rows the machine can have: one per core at most, so no more than its
+// processors (the configured ones: offline cores still have rows).
+long rowLimit()
+{
+    sys::System& os = sys::current();
+    for (int name : {_SC_NPROCESSORS_CONF, _SC_NPROCESSORS_ONLN}) {
+        const long n = os.sysconf(name);
+        if (n > 0) return n;
+    }
+    return kMaxRows;
 }
 
 }  // namespace
 
-ProcessorGroup::ProcessorGroup() : KorGroup(2, 1) {}
-
-KorTable* ProcessorGroup::getTable()
+bool gatherProcessorFacts(VtExecInfo* info, ProcessorFacts& facts)
 {
-    const char* fn = "getTable()";
-    const int log = getCcLogHw();
-    CcLogWrapper::traceMidEntry(log, __LINE__, kSource, fn, "hardware %s", "ProcessorGroup Group");
-
-    VtExecInfo* info = getCpuidVT();
+    facts = ProcessorFacts();
     if (!info) {
-        CcLogWrapper::traceMIN(log, __LINE__, kSource, fn, "[E] %s", "Cannot execute VT command");
-        return nullptr;
+        PROC_TRACE(traceMIN, "[E] %s", "Cannot execute VT command");
+        return false;
     }
     if (info->result != 0 || !info->root) {
-        CcLogWrapper::traceMIN(log, __LINE__, kSource, fn, "[E] VT command returned %d data=%p", info->result,
-                               static_cast<void*>(info->root));
-        return nullptr;
+        PROC_TRACE(traceMIN, "[E] VT command returned %d data=%p", info->result, static_cast<void*>(info->root));
+        return false;
     }
     VtNode* processors = vtGetNode(info, "ProcessorTable", 0);
     if (!processors) {
-        CcLogWrapper::traceMIN(log, __LINE__, kSource, fn, "ERROR: %s", "missing ProcessorTable");
-        return nullptr;
+        PROC_TRACE(traceMIN, "ERROR: %s", "missing ProcessorTable");
+        return false;
     }
     const int packages = processors->getValue(nullptr, "TotalPackageCount", -1);
     if (packages < 1) {
-        CcLogWrapper::traceMIN(log, __LINE__, kSource, fn, "[E] Invalid physical package count %d", packages);
-        return nullptr;
+        PROC_TRACE(traceMIN, "[E] Invalid physical package count %d", packages);
+        return false;
     }
-
-    auto* table = new KorTable(getGroupId(), getGroupVersion());
-    unsigned int index = 0;
+    const long limit = rowLimit();
+    long rows = 0;
     for (int p = 0; p < packages; ++p) {
         VtNode* proc = processors->getChild("Processor", p);
-        CcLogWrapper::traceMAX(log, __LINE__, kSource, fn, "CPUID proc %d = %p", p, static_cast<void*>(proc));
+        PROC_TRACE(traceMAX, "CPUID proc %d = %p", p, static_cast<void*>(proc));
         if (!proc) {
             // All or nothing: a table missing a package would understate the machine.
-            CcLogWrapper::traceMIN(log, __LINE__, kSource, fn, "[E] Failed to read proc #%d from CPUID data", p);
-            delete table;
-            return nullptr;
+            PROC_TRACE(traceMIN, "[E] Failed to read proc #%d from CPUID data", p);
+            return false;
         }
-        int cores = proc->getValue(nullptr, "TotalCoreCount", -1);
-        if (cores < 1) cores = proc->getValue("CPUID", "CorePerPackageCount", 1);
-        if (cores > kMaxCoresPerPackage) {
-            // A count no package has: a broken probe, not a machine.
-            CcLogWrapper::traceMIN(log, __LINE__, kSource, fn, "[E] Invalid core count %d for proc #%d", cores, p);
-            delete table;
-            return nullptr;
+        ProcessorPackage package;
+        package.cores = proc->getValue(nullptr, "TotalCoreCount", -1);
+        if (package.cores < 1) package.cores = proc->getValue("CPUID", "CorePerPackageCount", 1);
+        rows += package.cores > 0 ? package.cores : 0;
+        if (rows > limit) {
+            // More cores than processors: a broken probe, not a machine.
+            PROC_TRACE(traceMIN, "[E] Invalid core count %d for proc #%d", package.cores, p);
+            return false;
         }
-        int threadsPerCore = proc->getValue(nullptr, "ProcsPerCore", -1);
-        if (threadsPerCore < 1) threadsPerCore = proc->getValue("CPUID", "HtPerCoreCount", 1);
+        package.threadsPerCore = proc->getValue(nullptr, "ProcsPerCore", -1);
+        if (package.threadsPerCore < 1) package.threadsPerCore = proc->getValue("CPUID", "HtPerCoreCount", 1);
+        package.manufacturer = proc->getValue(nullptr, "Manufacturer", "");
+        package.family = proc->getValue("CPUID", "Family", 0);
+        package.model = proc->getValue("CPUID", "Model", 0);
+        package.stepping = proc->getValue("CPUID", "Stepping", 0);
+        package.clockMHz = proc->getValue(nullptr, "CpuClockMHz", 0);
+        facts.packages.push_back(package);
+    }
+    return true;
+}
 
-        const char* manufacturer = proc->getValue(nullptr, "Manufacturer", "");
-        const int family = proc->getValue("CPUID", "Family", 0);
-        const int model = proc->getValue("CPUID", "Model", 0);
-        const int stepping = proc->getValue("CPUID", "Stepping", 0);
-        const int clock = proc->getValue(nullptr, "CpuClockMHz", 0);
-
-        char* id = md5_checksum(idText(manufacturer, clock, family, model, stepping).c_str());
-        for (int c = 0; c < cores; ++c) {
+void shapeProcessorRows(const ProcessorFacts& facts, KorTable& table)
+{
+    unsigned int index = 0;
+    for (const ProcessorPackage& p : facts.packages) {
+        char* id = md5_checksum(idText(p).c_str());
+        const auto clock = static_cast<unsigned int>(p.clockMHz);
+        for (int c = 0; c < p.cores; ++c) {
             auto* row = new KorTableRow;
-            row->addAttrib(new KorTableAttrib(1, ++index));
-            row->addAttrib(new KorTableAttrib(2, id ? id : ""));
-            row->addAttrib(new KorTableAttrib(3, "i386"));
-            row->addAttrib(new KorTableAttrib(4, static_cast<unsigned int>(clock)));
-            row->addAttrib(new KorTableAttrib(5, static_cast<unsigned int>(clock)));
-            row->addAttrib(new KorTableAttrib(6, 0u));
-            row->addAttrib(new KorTableAttrib(7, manufacturer));
-            row->addAttrib(new KorTableAttrib(8, g_serialNumber));
-            row->addAttrib(new KorTableAttrib(10, static_cast<unsigned int>(family)));
-            row->addAttrib(new KorTableAttrib(11, static_cast<unsigned int>(model)));
-            row->addAttrib(new KorTableAttrib(12, static_cast<unsigned int>(stepping)));
+            row->addAttrib(new KorTableAttrib(PROC_INDEX, ++index));
+            row->addAttrib(new KorTableAttrib(PROC_ID, id ? id : ""));
+            row->addAttrib(new KorTableAttrib(PROC_FAMILY, "i386"));
+            row->addAttrib(new KorTableAttrib(PROC_MAX_CLOCK, clock));
+            row->addAttrib(new KorTableAttrib(PROC_CURRENT_CLOCK, clock));
+            row->addAttrib(new KorTableAttrib(PROC_EXTERNAL_CLOCK, 0u));
+            row->addAttrib(new KorTableAttrib(PROC_MANUFACTURER, p.manufacturer.c_str()));
+            row->addAttrib(new KorTableAttrib(PROC_SERIAL_NUMBER, g_serialNumber));
+            row->addAttrib(new KorTableAttrib(PROC_CHIP_FAMILY, static_cast<unsigned int>(p.family)));
+            row->addAttrib(new KorTableAttrib(PROC_CHIP_MODEL, static_cast<unsigned int>(p.model)));
+            row->addAttrib(new KorTableAttrib(PROC_CHIP_STEPPING, static_cast<unsigned int>(p.stepping)));
             // "H" for hyper-threading in the enabled flag: what hosts read there.
-            if (threadsPerCore > 1) row->addAttrib(new KorTableAttrib(42, "H"));
-            table->addRow(row);
+            if (p.threadsPerCore > 1) row->addAttrib(new KorTableAttrib(PROC_CPU_ENABLED, "H"));
+            table.addRow(row);
         }
         std::free(id);
     }
-    CcLogWrapper::traceMidExit(log, __LINE__, kSource, fn, "hardware %s", "Processor Group");
+}
+
+ProcessorGroup::ProcessorGroup() : KorGroup(PROCESSOR_GROUP, 1) {}
+
+KorTable* ProcessorGroup::getTable()
+{
+    CcLogWrapper::traceMidEntry(getCcLogHw(), __LINE__, kSource, kFunction, "hardware %s", "ProcessorGroup Group");
+    ProcessorFacts facts;
+    if (!gatherProcessorFacts(getCpuidVT(), facts)) return nullptr;
+    auto* table = new KorTable(getGroupId(), getGroupVersion());
+    shapeProcessorRows(facts, *table);
+    CcLogWrapper::traceMidExit(getCcLogHw(), __LINE__, kSource, kFunction, "hardware %s", "Processor Group");
     return table;
 }
 
-INVSCAN_REGISTER_GROUP(2, ProcessorGroup);
+INVSCAN_REGISTER_GROUP(PROCESSOR_GROUP, ProcessorGroup);
 
 // ---- PROM device tree ---------------------------------------------------------------
 

@@ -4,11 +4,37 @@
 #include "common/sys/SolarisTypes.h"
 #include "invscan/com/KorGroup.h"
 
+#include <string>
+#include <vector>
+
+class KorTable;
+struct VtExecInfo;
+
 class ProcessorGroup : public KorGroup {
 public:
     ProcessorGroup();
     KorTable* getTable() override;
 };
+
+// What the cpuid tree says of one physical package.
+struct ProcessorPackage {
+    std::string manufacturer;
+    int clockMHz = 0;
+    int family = 0, model = 0, stepping = 0;
+    int cores = 1;
+    int threadsPerCore = 1;
+};
+
+struct ProcessorFacts {
+    std::vector<ProcessorPackage> packages;  // in package order
+};
+
+// Reads the probe's tree, all or nothing: false (with its trace line) when
+// the probe failed, a package is missing, or the packages claim more cores
+// than the machine has processors.
+bool gatherProcessorFacts(VtExecInfo* info, ProcessorFacts& facts);
+// One row per core, Index counting across packages, one ID per package.
+void shapeProcessorRows(const ProcessorFacts& facts, KorTable& table);
 
 // A PROM request buffer with room for `size` data bytes, zero-filled, its
 // size field set to `size`; release it with opp_free.

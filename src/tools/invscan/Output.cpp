@@ -15,30 +15,15 @@ namespace cli {
 
 namespace {
 
-const size_t HEADER = 12;
-
-uint32_t word(const unsigned char* p)
+// UTF-8 of a decoded string; code points no encoding can carry become U+FFFD.
+std::string utf8(const std::wstring& text)
 {
-    uint32_t v;
-    std::memcpy(&v, p, sizeof v);
-    return v;
-}
-
-std::string wideText(const unsigned char* p, uint32_t available)
-{
-    // A Kor string: a count including the terminator, then 32-bit characters.
-    if (available < 4) return std::string();
-    const uint32_t count = word(p);
-    if (count == 0 || (available - 4) / 4 < count) return std::string();
-    std::wstring wide;
-    wide.reserve(count);
-    for (uint32_t i = 0; i + 1 < count; ++i) {
-        uint32_t c = word(p + 4 + 4 * i);
-        if (c == 0) break;
-        if (c > 0x10FFFF || (c >= 0xD800 && c <= 0xDFFF)) c = 0xFFFD;
-        wide.push_back(static_cast<wchar_t>(c));
+    std::wstring clean(text);
+    for (wchar_t& c : clean) {
+        const auto u = static_cast<uint32_t>(c);
+        if (u > 0x10FFFF || (u >= 0xD800 && u <= 0xDFFF)) c = static_cast<wchar_t>(0xFFFD);
     }
-    return utils::stringToUTF8(wide);
+    return utils::stringToUTF8(clean);
 }
 
 std::string hexBytes(const unsigned char* p, uint32_t length)
@@ -60,106 +45,31 @@ std::string formatReal(double value)
     return buffer;
 }
 
-std::string valueText(const KorTable& table, const DecodedValue& value)
+// A decoded value as text: strings in UTF-8, octets in hexadecimal, an
+// unconvertible date-time as nothing.
+std::string plainText(const KorValue& value)
 {
-    std::string out;
-    if (value.isSigned)
-        out = std::to_string(value.signedValue);
-    else if (value.isNumber)
-        out = std::to_string(value.unsignedValue);
-    else if (value.isReal)
-        out = formatReal(value.realValue);
-    else
-        out = value.text;
+    switch (value.type) {
+    case KOR_LONGLONG: return std::to_string(value.signedNumber);
+    case KOR_FLOAT:
+    case KOR_DOUBLE: return formatReal(value.real);
+    case KOR_STRING:
+    case KOR_WIDESTRING: return utf8(value.text);
+    case KOR_OCTETSTRING: return hexBytes(reinterpret_cast<const unsigned char*>(value.bytes.data()),
+                                          static_cast<uint32_t>(value.bytes.size()));
+    case KOR_DATETIME: return value.bytes[0] == '\0' ? std::string() : value.bytes;
+    default: return std::to_string(value.number);
+    }
+}
+
+std::string valueText(const KorTable& table, const KorValue& value)
+{
+    std::string out = plainText(value);
     if (const char* text = enumText(table, value)) out += std::string(" (") + text + ")";
     return out;
 }
 
 }  // namespace
-
-bool decodeBlock(const unsigned char* block, DecodedValue& out)
-{
-    out = DecodedValue();
-    if (!block) return false;
-    const uint32_t size = word(block);
-    if (size < HEADER) return false;
-    out.id = word(block + 4);
-    out.type = word(block + 8);
-    const unsigned char* v = block + HEADER;
-    const uint32_t room = size - HEADER;
-    auto need = [&](uint32_t bytes) { return room >= bytes; };
-    switch (out.type) {
-    case KOR_UCHAR:
-        if (!need(1)) return false;
-        out.isNumber = true;
-        out.unsignedValue = v[0];
-        return true;
-    case KOR_USHORT: {
-        if (!need(2)) return false;
-        uint16_t s;
-        std::memcpy(&s, v, 2);
-        out.isNumber = true;
-        out.unsignedValue = s;
-        return true;
-    }
-    case KOR_ULONG:
-        if (!need(4)) return false;
-        out.isNumber = true;
-        out.unsignedValue = word(v);
-        return true;
-    case KOR_UQUAD:
-    case KOR_ULONGLONG: {
-        if (!need(8)) return false;
-        uint64_t q;
-        std::memcpy(&q, v, 8);
-        out.isNumber = true;
-        out.unsignedValue = q;
-        return true;
-    }
-    case KOR_LONGLONG: {
-        if (!need(8)) return false;
-        int64_t q;
-        std::memcpy(&q, v, 8);
-        out.isNumber = out.isSigned = true;
-        out.signedValue = q;
-        return true;
-    }
-    case KOR_FLOAT: {
-        if (!need(4)) return false;
-        float f;
-        std::memcpy(&f, v, 4);
-        out.isReal = true;
-        out.realValue = f;
-        return true;
-    }
-    case KOR_DOUBLE: {
-        if (!need(8)) return false;
-        double d;
-        std::memcpy(&d, v, 8);
-        out.isReal = true;
-        out.realValue = d;
-        return true;
-    }
-    case KOR_STRING:
-    case KOR_WIDESTRING:
-        out.text = wideText(v, room);
-        return true;
-    case KOR_OCTETSTRING: {
-        if (!need(4)) return false;
-        const uint32_t length = word(v);
-        if (room - 4 < length) return false;
-        out.text = hexBytes(v + 4, length);
-        return true;
-    }
-    case KOR_DATETIME:
-        if (!need(KOR_DATETIME_LENGTH)) return false;
-        out.text.assign(reinterpret_cast<const char*>(v), KOR_DATETIME_LENGTH);
-        if (out.text[0] == '\0') out.text.clear();  // the time could not be converted
-        return true;
-    default:
-        return false;
-    }
-}
 
 std::string attributeName(const KorTable& table, uint32_t attribId)
 {
@@ -169,11 +79,10 @@ std::string attributeName(const KorTable& table, uint32_t attribId)
     return buffer;
 }
 
-const char* enumText(const KorTable& table, const DecodedValue& value)
+const char* enumText(const KorTable& table, const KorValue& value)
 {
-    if (!value.isNumber || value.isSigned) return nullptr;
-    return getEnumAsciiValue(table.getGroupDefinitionFromId(), value.id,
-                             static_cast<unsigned long>(value.unsignedValue));
+    if (!value.isUnsigned()) return nullptr;
+    return getEnumAsciiValue(table.getGroupDefinitionFromId(), value.id, static_cast<unsigned long>(value.number));
 }
 
 std::string localTime(long seconds)
@@ -218,10 +127,10 @@ std::string renderText(KorTable& table)
         for (unsigned long i = 0; i < count; ++i) {
             KorTableAttrib* attrib = row->getNext();
             if (!attrib) continue;
-            DecodedValue value;
+            KorValue value;
             std::string name;
             std::string shown;
-            if (decodeBlock(attrib->getAttribPtr(), value)) {
+            if (decodeKorValue(attrib->getAttribPtr(), value)) {
                 name = attributeName(table, value.id);
                 shown = valueText(table, value);
             } else {
@@ -237,40 +146,40 @@ std::string renderText(KorTable& table)
     return out;
 }
 
-nlohmann::json renderJson(KorTable& table)
+nlohmann::ordered_json renderJson(KorTable& table)
 {
-    nlohmann::json rows = nlohmann::json::array();
+    nlohmann::ordered_json rows = nlohmann::ordered_json::array();
     table.reset();
     while (KorTableRow* row = table.getNext()) {
-        nlohmann::json object = nlohmann::json::object();
+        nlohmann::ordered_json object = nlohmann::ordered_json::object();
         std::set<std::string> repeated;
         row->reset();
         const unsigned long count = row->getNumAttribs();
         for (unsigned long i = 0; i < count; ++i) {
             KorTableAttrib* attrib = row->getNext();
             if (!attrib) continue;
-            DecodedValue value;
-            nlohmann::json item;
+            KorValue value;
+            nlohmann::ordered_json item;
             std::string name;
-            if (!decodeBlock(attrib->getAttribPtr(), value)) {
+            if (!decodeKorValue(attrib->getAttribPtr(), value)) {
                 name = attributeName(table, static_cast<uint32_t>(attrib->getId()));
                 item = nullptr;
             } else {
                 name = attributeName(table, value.id);
-                if (value.isSigned)
-                    item = value.signedValue;
-                else if (value.isNumber)
-                    item = value.unsignedValue;
-                else if (value.isReal)
-                    item = value.realValue;
+                if (value.type == KOR_LONGLONG)
+                    item = value.signedNumber;
+                else if (value.isUnsigned())
+                    item = value.number;
+                else if (value.type == KOR_FLOAT || value.type == KOR_DOUBLE)
+                    item = value.real;
                 else
-                    item = value.text;
+                    item = plainText(value);
                 if (const char* text = enumText(table, value))
-                    item = nlohmann::json{{"value", value.unsignedValue}, {"text", text}};
+                    item = nlohmann::ordered_json{{"value", value.number}, {"text", text}};
             }
             // A repeated attribute keeps every value, in row order.
             if (object.contains(name)) {
-                if (repeated.insert(name).second) object[name] = nlohmann::json::array({object[name]});
+                if (repeated.insert(name).second) object[name] = nlohmann::ordered_json::array({object[name]});
                 object[name].push_back(std::move(item));
             } else {
                 object[name] = item;
@@ -280,7 +189,7 @@ nlohmann::json renderJson(KorTable& table)
         rows.push_back(std::move(object));
     }
     table.reset();
-    return nlohmann::json{{"id", table.getGroupId()},
+    return nlohmann::ordered_json{{"id", table.getGroupId()},
                           {"name", table.getGroupName()},
                           {"version", table.getGroupVersion()},
                           {"timestamp", localTime(table.getTimeStamp())},

@@ -168,11 +168,11 @@ int runList(const Options& options)
 {
     const std::list<String> names = allGroupNames();
     if (options.format == "json") {
-        nlohmann::json groups = nlohmann::json::array();
+        nlohmann::ordered_json groups = nlohmann::ordered_json::array();
         for (const String& name : names)
             groups.push_back({{"id", getGroupIdFromName(name)}, {"name", name.narrow()}});
-        std::printf("%s\n", nlohmann::json{{"groups", groups}}
-                                .dump(2, ' ', false, nlohmann::json::error_handler_t::replace)
+        std::printf("%s\n", nlohmann::ordered_json{{"groups", groups}}
+                                .dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace)
                                 .c_str());
         return 0;
     }
@@ -215,20 +215,24 @@ int runScan(const Options& options)
 
     const bool json = options.format == "json";
     const bool kor = options.format == "kor";
-    nlohmann::json results = nlohmann::json::array();
+    nlohmann::ordered_json results = nlohmann::ordered_json::array();
+    // A group whose source failed is no usage error, but a scan in which
+    // every group that could run gave nothing has failed.
+    int attempted = 0, produced = 0;
     for (const Wanted& one : wanted) {
-        nlohmann::json entry{{"id", one.id}, {"name", one.name}};
+        nlohmann::ordered_json entry{{"id", one.id}, {"name", one.name}};
         KorGroup* group = factory->getGroup(String(one.name));
         if (!group) {
             if (json) {
                 entry["status"] = "no class";
-                entry["tables"] = nlohmann::json::array();
+                entry["tables"] = nlohmann::ordered_json::array();
                 results.push_back(std::move(entry));
             } else {
                 std::printf("%s (group %lu): not built yet\n\n", one.name.c_str(), one.id);
             }
             continue;
         }
+        ++attempted;
         std::vector<KorTable*> tables;
         if (KorTable* table = group->getTable()) tables.push_back(table);
         // Further tables are the host's to delete, like the main one.
@@ -237,14 +241,15 @@ int runScan(const Options& options)
         if (tables.empty()) {
             if (json) {
                 entry["status"] = "no table";
-                entry["tables"] = nlohmann::json::array();
+                entry["tables"] = nlohmann::ordered_json::array();
                 results.push_back(std::move(entry));
             } else {
                 std::printf("%s (group %lu): no table (nothing found, or the source failed)\n\n",
                             one.name.c_str(), one.id);
             }
         } else {
-            nlohmann::json rendered = nlohmann::json::array();
+            ++produced;
+            nlohmann::ordered_json rendered = nlohmann::ordered_json::array();
             for (KorTable* table : tables) {
                 if (json) {
                     rendered.push_back(renderJson(*table));
@@ -268,12 +273,13 @@ int runScan(const Options& options)
     factory->endScan();
 
     if (json) {
-        const nlohmann::json document{
+        const nlohmann::ordered_json document{
             {"invscan", {{"version", INVSCAN_VERSION}, {"build", getBuildDateQVRB()}}},
             {"groups", std::move(results)}};
-        std::printf("%s\n", document.dump(2, ' ', false, nlohmann::json::error_handler_t::replace).c_str());
+        std::printf("%s\n", document.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace).c_str());
     }
-    return std::fflush(stdout) == 0 ? 0 : 1;
+    const bool failed = attempted > 0 && produced == 0;
+    return std::fflush(stdout) == 0 && !failed ? 0 : 1;
 }
 
 // Runs one probe the way the library does and prints what it parsed.
@@ -314,6 +320,7 @@ int run(int argc, char** argv)
     app.add_option("--set", options.assignments, "Configuration key, after --config (repeatable)")
         ->type_name("KEY=VALUE")
         ->expected(1)
+        ->allow_extra_args(false)  // one pair per --set: what follows is a group name
         ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
     app.add_option("--hwconfig", options.hwConfig,
                    "Hardware configuration file (default: config_dir/hwscanner.config_file)")

@@ -44,12 +44,12 @@ TEST(PlatformSystem, MemoryAgreesWithProcMeminfo)
     const auto row = testsupport::readTable(*table).at(0);
 
     const long long total = meminfo("MemTotal");
-    EXPECT_EQ(static_cast<long long>(row.at(1).number), total);
-    EXPECT_EQ(static_cast<long long>(row.at(3).number), total + meminfo("SwapTotal"));
-    EXPECT_EQ(row.at(7).number, static_cast<unsigned long long>(sysconf(_SC_PAGESIZE)));
-    EXPECT_EQ(static_cast<long long>(row.at(5).number) * (sysconf(_SC_PAGESIZE) / 1024), total);
+    EXPECT_EQ(static_cast<long long>(testsupport::cell(row, 1).number), total);
+    EXPECT_EQ(static_cast<long long>(testsupport::cell(row, 3).number), total + meminfo("SwapTotal"));
+    EXPECT_EQ(testsupport::cell(row, 7).number, static_cast<unsigned long long>(sysconf(_SC_PAGESIZE)));
+    EXPECT_EQ(static_cast<long long>(testsupport::cell(row, 5).number) * (sysconf(_SC_PAGESIZE) / 1024), total);
     // Free memory moves while we look: it must lie near both readings.
-    const long long freeKB = static_cast<long long>(row.at(2).number);
+    const long long freeKB = static_cast<long long>(testsupport::cell(row, 2).number);
     const long long slack = 64 * 1024;
     EXPECT_GE(freeKB, std::min(freeBefore, freeAfter) - slack);
     EXPECT_LE(freeKB, std::max(freeBefore, freeAfter) + slack);

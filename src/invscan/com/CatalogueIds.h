@@ -1,0 +1,72 @@
+#pragma once
+// Names for the catalogue's group and attribute ids, so group code reads
+// `PROC_CPU_ENABLED` rather than 42. The catalogue tables use the same names,
+// so each id is written once. A group adds its attribute names here when it
+// is built.
+
+enum KorGroupId : unsigned long {
+    COMPONENT_ID_GROUP = 1,
+    PROCESSOR_GROUP = 2,
+    MEMORY_GROUP = 3,
+    OPERATING_SYSTEM_GROUP = 4,
+    STORAGE_GROUP = 5,
+    IP_ADDRESS_GROUP = 6,
+    NETWORK_ADAPTER_GROUP = 7,
+    KEYBOARD_GROUP = 10,
+    REGIONAL_GROUP = 15,
+    UNIX_SYSTEM_PARAMS_GROUP = 19,
+    SCAN_INFO_GROUP = 20,
+    PARTITION_GROUP = 27,
+    PCI_DEVICE_GROUP = 29,
+    LPAR_GROUP = 34,
+    PHYSICAL_PROCESSOR_GROUP = 44,
+    CPU_METER_GROUP = 46,
+    UNIX_CPU_METER_GROUP = 47,
+    VIRTUAL_MACHINE_GROUP = 49,
+    VIRTUAL_MACHINE_GUEST_GROUP = 50,
+    IPV6_ADDRESS_GROUP = 51,
+    PARTITION_TO_STORAGE_GROUP = 53,
+    SAN_ADAPTER_GROUP = 54,
+};
+
+// "Processor": the attributes the group fills.
+enum ProcessorAttrib : unsigned long {
+    PROC_INDEX = 1,
+    PROC_ID = 2,
+    PROC_FAMILY = 3,
+    PROC_MAX_CLOCK = 4,
+    PROC_CURRENT_CLOCK = 5,
+    PROC_EXTERNAL_CLOCK = 6,
+    PROC_MANUFACTURER = 7,
+    PROC_SERIAL_NUMBER = 8,
+    PROC_CHIP_FAMILY = 10,
+    PROC_CHIP_MODEL = 11,
+    PROC_CHIP_STEPPING = 12,
+    PROC_CPU_ENABLED = 42,
+};
+
+enum MemoryAttrib : unsigned long {
+    MEM_TOTAL_PHYSICAL = 1,
+    MEM_FREE_PHYSICAL = 2,
+    MEM_TOTAL_VIRTUAL = 3,
+    MEM_FREE_VIRTUAL = 4,
+    MEM_TOTAL_PAGE = 5,
+    MEM_FREE_PAGE = 6,
+    MEM_PAGE_SIZE = 7,
+    MEM_MAX_MEMORY_MB = 8,
+    MEM_NUM_SLOTS = 9,
+};
+
+enum CpuMeterAttrib : unsigned long {
+    METER_IDLE_TIME = 1,
+    METER_USER_TIME = 2,
+    METER_WAIT_TIME = 3,
+    METER_SYS_TIME = 4,
+    METER_SYSTEM_UP_TIME = 5,
+};
+
+enum UnixCpuMeterAttrib : unsigned long {
+    METER_LOAD_AVG_1 = 1,
+    METER_LOAD_AVG_5 = 2,
+    METER_LOAD_AVG_15 = 3,
+};

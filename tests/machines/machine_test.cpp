@@ -1,0 +1,118 @@
+// Scans every simulated machine under tests/machines through the factory, as
+// a host does, and compares the tables with the machine's "expected.txt".
+// Each scan runs in a child process of its own: the probes run once per
+// process, and a leak or crash in a scan fails its machine alone.
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <list>
+#include <fstream>
+#include <memory>
+#include <sstream>
+
+#include "framework/NimCfg.h"
+#include "framework/Trace.h"
+#include "invscan/com/GroupFactory.h"
+#include "invscan/com/GroupRegistry.h"
+#include "support/Machine.h"
+#include "support/TableReader.h"
+#include "support/TempDir.h"
+
+namespace {
+
+using namespace testsupport;
+
+// Every group that has a class, in catalogue order: its table as text, what
+// the catalogue check finds wrong with it, and the trace lines the machine
+// expects that did not come.
+std::string scanMachine(const std::string& dir)
+{
+    FakeSystem os;
+    std::string error;
+    if (!loadMachine(dir, os, error)) return "cannot load: " + error + "\n";
+    ScopedSystem scope(os);
+    trace::Capture trace(trace::Level::Max);
+    NimCfg::setKey(String("config_dir"), String(dir + "/config"));
+
+    std::string out;
+    GroupFactory* factory = GroupFactory::getInstance();
+    factory->initialise();
+    factory->loadNodeFromFile(factory->getHWConfigFile(), 0);
+    factory->startScan();
+    for (const korGroupDef* g = GROUPS_DEF; g->id != KOR_END; ++g) {
+        if (!findGroupClass(g->id)) continue;
+        std::unique_ptr<KorGroup> group(factory->getKORGroup(g->id));
+        std::unique_ptr<KorTable> table(group ? group->getTable() : nullptr);
+        out += "== " + std::string(g->name) + "\n";
+        if (!table) {
+            out += "no table\n";
+            continue;
+        }
+        for (const std::string& problem : catalogueProblems(*table)) out += "CATALOGUE: " + problem + "\n";
+        out += tableText(*table);
+    }
+    factory->endScan();
+
+    std::istringstream wanted(readFile(dir + "/trace.txt"));
+    std::string line;
+    while (std::getline(wanted, line))
+        if (!line.empty() && !trace.contains(line)) out += "TRACE MISSING: " + line + "\n";
+    return out;
+}
+
+// Probes print the machine's captured output: bin/NAME for each probes/NAME.
+void installProbes(const std::string& dir, const TempDir& home)
+{
+    for (const char* probe : {"cpuid", "diskscan"}) {
+        const std::string output = dir + "/probes/" + probe;
+        if (access(output.c_str(), R_OK) == 0) home.script(std::string("bin/") + probe, "cat '" + output + "'\n");
+    }
+}
+
+class Machine : public ::testing::TestWithParam<std::string> {};
+
+TEST_P(Machine, ScanGivesTheExpectedTables)
+{
+    const std::string dir = machineDir(GetParam());
+    TempDir home;
+    installProbes(dir, home);
+    const std::string result = home.path() + "/result.txt";
+
+    std::fflush(nullptr);
+    const pid_t pid = fork();
+    ASSERT_GE(pid, 0);
+    if (pid == 0) {
+        setenv("NIM_HOMEDIR", home.path().c_str(), 1);
+        setenv("TZ", "UTC", 1);
+        tzset();
+        const std::string text = scanMachine(dir);
+        FILE* f = std::fopen(result.c_str(), "w");
+        const bool written = f && std::fputs(text.c_str(), f) >= 0;
+        if (f) std::fclose(f);
+        // exit, not _exit: the leak checker of a sanitizer build runs here.
+        std::exit(written ? 0 : 3);
+    }
+    int status = 0;
+    ASSERT_EQ(waitpid(pid, &status, 0), pid);
+    ASSERT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << "the scan crashed or leaked, status " << status;
+    // INVSCAN_WRITE_MACHINES=1 writes the tables of a new machine as its
+    // expected ones: read them through before committing them.
+    if (std::getenv("INVSCAN_WRITE_MACHINES")) {
+        std::ofstream(dir + "/expected.txt") << readFile(result);
+        GTEST_SKIP() << "wrote " << dir << "/expected.txt";
+    }
+    EXPECT_EQ(readFile(result), readFile(dir + "/expected.txt")) << "machine " << GetParam();
+}
+
+INSTANTIATE_TEST_SUITE_P(All, Machine, ::testing::ValuesIn(machineNames()),
+                         [](const ::testing::TestParamInfo<std::string>& param) {
+                             std::string name = param.param;
+                             for (char& c : name)
+                                 if (!isalnum(static_cast<unsigned char>(c))) c = '_';
+                             return name;
+                         });
+
+}  // namespace

@@ -1,0 +1,122 @@
+#include "support/Machine.h"
+
+#include <dirent.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <fstream>
+#include <map>
+#include <sstream>
+
+namespace testsupport {
+
+namespace {
+const std::map<std::string, int> kSysconfNames = {
+    {"PAGESIZE", _SC_PAGESIZE},
+    {"PHYS_PAGES", _SC_PHYS_PAGES},
+    {"AVPHYS_PAGES", _SC_AVPHYS_PAGES},
+    {"NPROCESSORS_CONF", _SC_NPROCESSORS_CONF},
+    {"NPROCESSORS_ONLN", _SC_NPROCESSORS_ONLN},
+};
+const std::map<std::string, int> kSysinfoNames = {
+    {"SYSNAME", SI_SYSNAME},         {"HOSTNAME", SI_HOSTNAME}, {"RELEASE", SI_RELEASE},
+    {"VERSION", SI_VERSION},         {"MACHINE", SI_MACHINE},   {"ARCHITECTURE", SI_ARCHITECTURE},
+    {"HW_SERIAL", SI_HW_SERIAL},     {"HW_PROVIDER", SI_HW_PROVIDER},
+    {"PLATFORM", SI_PLATFORM},       {"ISALIST", SI_ISALIST},
+};
+
+bool readLine(const std::string& text, FakeSystem& os)
+{
+    std::istringstream in(text);
+    std::string facility, name;
+    in >> facility;
+    if (facility == "sysconf") {
+        long value;
+        if (!(in >> name >> value) || !kSysconfNames.count(name)) return false;
+        os.sysconfValues[kSysconfNames.at(name)] = value;
+    } else if (facility == "sysinfo") {
+        if (!(in >> name) || !kSysinfoNames.count(name)) return false;
+        std::string value;
+        std::getline(in >> std::ws, value);
+        os.sysinfoValues[kSysinfoNames.at(name)] = value;
+    } else if (facility == "hostid") {
+        return static_cast<bool>(in >> os.hostid);
+    } else if (facility == "swap-count") {
+        return static_cast<bool>(in >> os.swapCount);
+    } else if (facility == "swap") {
+        FakeSystem::SwapDevice d;
+        if (!(in >> d.path >> d.pages >> d.freePages)) return false;
+        os.swapDevices.push_back(d);
+    } else if (facility == "anoninfo") {
+        unsigned long max, free, resv;
+        if (!(in >> max >> free >> resv)) return false;
+        os.ainfo = {max, free, resv};
+    } else if (facility == "anoninfo-fails") {
+        os.ainfoFails = true;
+    } else if (facility == "kstat-fails") {
+        os.kstatOpenFails = true;
+    } else if (facility == "cpu_stat") {
+        int instance;
+        uint_t idle, user, kernel, wait;
+        if (!(in >> instance >> idle >> user >> kernel >> wait)) return false;
+        os.addCpuStat(instance, idle, user, kernel, wait);
+    } else if (facility == "loadavg") {
+        return static_cast<bool>(in >> os.loadavg[0] >> os.loadavg[1] >> os.loadavg[2]);
+    } else if (facility == "loadavg-fails") {
+        os.loadavgFails = true;
+    } else if (facility == "online") {
+        processorid_t cpu;
+        std::string state;
+        if (!(in >> cpu >> state) || (state != "on" && state != "off")) return false;
+        os.processorStates[cpu] = state == "on" ? P_ONLINE : P_OFFLINE;
+    } else {
+        return false;
+    }
+    return true;
+}
+}  // namespace
+
+std::string readFile(const std::string& path)
+{
+    std::ifstream in(path, std::ios::binary);
+    std::ostringstream out;
+    out << in.rdbuf();
+    return out.str();
+}
+
+bool loadMachine(const std::string& dir, FakeSystem& os, std::string& error)
+{
+    std::ifstream in(dir + "/machine.txt");
+    if (!in) {
+        error = dir + "/machine.txt cannot be read";
+        return false;
+    }
+    std::string line;
+    for (int number = 1; std::getline(in, line); ++number) {
+        const auto first = line.find_first_not_of(" \t");
+        if (first == std::string::npos || line[first] == '#') continue;
+        if (!readLine(line, os)) {
+            error = "machine.txt line " + std::to_string(number) + ": " + line;
+            return false;
+        }
+    }
+    return true;
+}
+
+std::string machineDir(const std::string& name) { return std::string(INVSCAN_SOURCE_DIR) + "/tests/machines/" + name; }
+
+std::vector<std::string> machineNames()
+{
+    std::vector<std::string> names;
+    DIR* d = opendir((std::string(INVSCAN_SOURCE_DIR) + "/tests/machines").c_str());
+    if (!d) return names;
+    while (dirent* e = readdir(d)) {
+        const std::string name = e->d_name;
+        if (name[0] != '.' && access((machineDir(name) + "/machine.txt").c_str(), R_OK) == 0) names.push_back(name);
+    }
+    closedir(d);
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+}  // namespace testsupport
