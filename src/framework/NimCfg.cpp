@@ -3,6 +3,10 @@
 #include <fstream>
 #include <map>
 
+#include <cerrno>
+#include <cstdlib>
+
+#include "framework/Trace.h"
 #include "framework/utils.h"
 
 namespace {
@@ -73,4 +77,20 @@ bool NimCfg::loadFile(const std::string& path, std::string* error)
 void NimCfg::clear()
 {
     store().clear();
+}
+
+int NimCfg::getTimeout()
+{
+    const std::string text = utils::trimBoth(getKey("hwscanner.timeout").narrow());
+    if (text.empty()) return DEFAULT_TIMEOUT;
+    char* end = nullptr;
+    errno = 0;
+    const long seconds = std::strtol(text.c_str(), &end, 10);
+    if (errno != 0 || *end != '\0' || seconds < 1 || seconds > MAX_TIMEOUT) {
+        CcLogWrapper::traceMIN(getCcLogHw(), __LINE__, "./../../../src/framework/NimCfg", "getTimeout()",
+                               "hardware ERROR! hwscanner.timeout %s is not a number of seconds, using %d",
+                               text.c_str(), DEFAULT_TIMEOUT);
+        return DEFAULT_TIMEOUT;
+    }
+    return static_cast<int>(seconds);
 }

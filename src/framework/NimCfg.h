@@ -17,4 +17,10 @@ public:
     // Parses "KEY=VALUE" as given on a command line.
     static bool setFromAssignment(const std::string& assignment);
     static void clear();
+
+    // "hwscanner.timeout": the seconds a command or probe may run, 1 to
+    // 86400; DEFAULT_TIMEOUT when absent, and when invalid (traced).
+    static int getTimeout();
+    static constexpr int DEFAULT_TIMEOUT = 600;
+    static constexpr int MAX_TIMEOUT = 86400;
 };

@@ -19,25 +19,9 @@ ZPopen::ZPopen(const String& program, const std::vector<String>& args)
     for (const String& a : args) m_argv.push_back(a.narrow());
 }
 
-int ZPopen::configuredTimeout()
-{
-    const std::string text = utils::trimBoth(NimCfg::getKey("hwscanner.timeout").narrow());
-    if (text.empty()) return DEFAULT_TIMEOUT;
-    char* end = nullptr;
-    errno = 0;
-    const long seconds = std::strtol(text.c_str(), &end, 10);
-    if (errno != 0 || *end != '\0' || seconds < 1 || seconds > MAX_TIMEOUT) {
-        CcLogWrapper::traceMIN(getCcLogHw(), __LINE__, kSource, "configuredTimeout()",
-                               "[E] hwscanner.timeout '%s' is not a number of seconds, using %d", text.c_str(),
-                               DEFAULT_TIMEOUT);
-        return DEFAULT_TIMEOUT;
-    }
-    return static_cast<int>(seconds);
-}
-
 int ZPopen::run()
 {
-    const int timeout = configuredTimeout();
+    const int timeout = NimCfg::getTimeout();
     CcLogWrapper::traceMidEntry(getCcLogHw(), __LINE__, kSource, "run()", "hardware %s (time-out %d s)",
                                 m_argv[0].c_str(), timeout);
     errno = 0;

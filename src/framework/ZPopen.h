@@ -20,11 +20,6 @@ public:
     bool timedOut() const { return m_timedOut; }
     const std::vector<std::string>& lines() const { return m_lines; }  // UTF-8, without line ends
 
-    static constexpr int DEFAULT_TIMEOUT = 600;
-    static constexpr int MAX_TIMEOUT = 86400;
-    // The configured bound in seconds.
-    static int configuredTimeout();
-
 private:
     std::vector<std::string> m_argv;
     std::vector<std::string> m_lines;

@@ -238,15 +238,4 @@ TEST_F(HWConfigLoad, ReloadingKeepsTheListsGroupsPointAt)
     EXPECT_TRUE(m_factory->getProcessorInfo().empty());
 }
 
-TEST_F(HWConfigLoad, TimeoutComesFromTheConfigurationWithADefault)
-{
-    EXPECT_EQ(GetNIMMaxTimeout(), NIM_DEFAULT_MAX_TIMEOUT);
-    NimCfg::setKey("hwscanner.timeout", "45");
-    EXPECT_EQ(GetNIMMaxTimeout(), 45);
-    for (const char* bad : {"0", "-3", "ten", "12s"}) {
-        NimCfg::setKey("hwscanner.timeout", bad);
-        EXPECT_EQ(GetNIMMaxTimeout(), NIM_DEFAULT_MAX_TIMEOUT) << bad;
-    }
-}
-
 }  // namespace

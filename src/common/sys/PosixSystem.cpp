@@ -12,7 +12,12 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdio>
+#include <map>
+#include <mutex>
 #include <string>
+
+#include "common/sys/Spawn.h"
 
 namespace sys {
 
@@ -23,13 +28,6 @@ public:
     ~PosixDir() override { ::closedir(m_dir); }
     DIR* m_dir;
 };
-
-long long monotonicMillis()
-{
-    struct timespec ts;
-    clock_gettime(CLOCK_MONOTONIC, &ts);
-    return static_cast<long long>(ts.tv_sec) * 1000 + ts.tv_nsec / 1000000;
-}
 
 // Appends `chunk` to `pending`, moving each completed line into `lines`.
 void splitLines(std::string& pending, const char* chunk, size_t n, std::vector<std::string>& lines)
@@ -92,56 +90,88 @@ void* PosixSystem::dlopen(const char* path, int mode) { return ::dlopen(path, mo
 void* PosixSystem::dlsym(void* handle, const char* symbol) { return ::dlsym(handle, symbol); }
 int PosixSystem::dlclose(void* handle) { return ::dlclose(handle); }
 
-FILE* PosixSystem::popen(const char* command, const char* mode) { return ::popen(command, mode); }
-int PosixSystem::pclose(FILE* stream) { return ::pclose(stream); }
+namespace {
+// The children behind the streams popen handed out, for pclose.
+std::mutex g_streamsLock;
+std::map<FILE*, pid_t> g_streams;
+}  // namespace
+
+// Through the shell, as popen does, but started like every other child.
+FILE* PosixSystem::popen(const char* command, const char* mode)
+{
+    if (!command || !mode || (mode[0] != 'r' && mode[0] != 'w')) {
+        errno = EINVAL;
+        return nullptr;
+    }
+    const bool reading = mode[0] == 'r';
+    int ends[2];
+    if (int e = makePipe(ends)) {
+        errno = e;
+        return nullptr;
+    }
+    SpawnRequest request;
+    request.argv = {"/bin/sh", "-c", command};
+    (reading ? request.stdoutFd : request.stdinFd) = ends[reading ? 1 : 0];
+    pid_t pid;
+    const int e = spawn(request, &pid);
+    int mine = ends[reading ? 0 : 1];
+    int theirs = ends[reading ? 1 : 0];
+    closeFd(theirs);
+    FILE* stream = e ? nullptr : fdopen(mine, reading ? "r" : "w");
+    if (!stream) {
+        const int saved = e ? e : errno;
+        closeFd(mine);
+        if (pid > 0) {
+            killGroup(pid);
+            int status;
+            reap(pid, &status);
+        }
+        errno = saved;
+        return nullptr;
+    }
+    std::lock_guard<std::mutex> hold(g_streamsLock);
+    g_streams[stream] = pid;
+    return stream;
+}
+
+int PosixSystem::pclose(FILE* stream)
+{
+    pid_t pid = -1;
+    {
+        std::lock_guard<std::mutex> hold(g_streamsLock);
+        auto it = g_streams.find(stream);
+        if (it == g_streams.end()) {
+            errno = ECHILD;
+            return -1;
+        }
+        pid = it->second;
+        g_streams.erase(it);
+    }
+    std::fclose(stream);
+    int status = 0;
+    return reap(pid, &status) ? status : -1;
+}
 
 int PosixSystem::runCommand(const std::vector<std::string>& argv, int timeoutSeconds, std::vector<std::string>& lines)
 {
     lines.clear();
-    if (argv.empty()) {
-        errno = EINVAL;
-        return -1;
-    }
-    // Everything the child needs is made before fork.
-    std::vector<char*> args;
-    for (const std::string& a : argv) args.push_back(const_cast<char*>(a.c_str()));
-    args.push_back(nullptr);
     int out[2];
-    if (pipe2(out, O_CLOEXEC) != 0) return -1;
-    // Closed by a successful exec; otherwise the child writes its errno here.
-    int execError[2];
-    if (pipe2(execError, O_CLOEXEC) != 0) {
-        ::close(out[0]);
-        ::close(out[1]);
+    if (int e = makePipe(out)) {
+        errno = e;
         return -1;
     }
-    const int devnull = ::open("/dev/null", O_RDWR | O_CLOEXEC);
-
-    const pid_t pid = fork();
-    if (pid < 0) {
-        const int saved = errno;
-        for (int fd : {out[0], out[1], execError[0], execError[1], devnull})
-            if (fd >= 0) ::close(fd);
-        errno = saved;
+    SpawnRequest request;
+    request.argv = argv;
+    request.searchPath = true;
+    request.stdoutFd = out[1];
+    pid_t pid;
+    const int started = spawn(request, &pid);
+    closeFd(out[1]);
+    if (started) {
+        closeFd(out[0]);
+        errno = started;  // it never started
         return -1;
     }
-    if (pid == 0) {
-        setpgid(0, 0);  // its own group, so a time-out ends whatever it started
-        if (devnull >= 0) {
-            dup2(devnull, 0);
-            dup2(devnull, 2);
-        }
-        dup2(out[1], 1);
-        execvp(args[0], args.data());
-        const int error = errno;
-        if (::write(execError[1], &error, sizeof error) < 0) {
-            // the parent then sees a plain exit 127
-        }
-        _exit(127);
-    }
-    ::close(out[1]);
-    ::close(execError[1]);
-    if (devnull >= 0) ::close(devnull);
 
     const long long deadline = timeoutSeconds > 0 ? monotonicMillis() + 1000LL * timeoutSeconds : -1;
     std::string pending;
@@ -167,43 +197,18 @@ int PosixSystem::runCommand(const std::vector<std::string>& argv, int timeoutSec
         if (n <= 0) break;
         splitLines(pending, chunk, static_cast<size_t>(n), lines);
     }
-    ::close(out[0]);
+    closeFd(out[0]);
     if (!pending.empty()) lines.push_back(pending);
     // A child that closed its output may still run: the deadline holds for it too.
     int status = 0;
-    pid_t r = 0;
-    while (!timedOut && deadline >= 0 && (r = waitpid(pid, &status, WNOHANG)) == 0) {
-        if (monotonicMillis() >= deadline) {
-            timedOut = true;
-            break;
-        }
-        struct timespec pause = {0, 10 * 1000 * 1000};
-        nanosleep(&pause, nullptr);
-    }
+    if (!timedOut && !reapBy(pid, &status, deadline)) timedOut = true;
     if (timedOut) {
-        kill(-pid, SIGKILL);
-        kill(pid, SIGKILL);  // in case it had not yet made its group
-    }
-    if (r != pid) {
-        do {
-            r = waitpid(pid, &status, 0);
-        } while (r < 0 && errno == EINTR);
-    }
-    int error = 0;
-    ssize_t got;
-    do {
-        got = ::read(execError[0], &error, sizeof error);
-    } while (got < 0 && errno == EINTR);
-    ::close(execError[0]);
-    if (got == static_cast<ssize_t>(sizeof error)) {
-        errno = error;  // it never started
-        return -1;
-    }
-    if (timedOut) {
+        killGroup(pid);
+        reap(pid, &status);
         errno = ETIMEDOUT;
         return -1;
     }
-    if (r != pid || !WIFEXITED(status)) return -1;
+    if (!WIFEXITED(status)) return -1;
     return WEXITSTATUS(status);
 }
 

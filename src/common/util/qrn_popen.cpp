@@ -10,7 +10,8 @@
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
-#include <initializer_list>
+
+#include "common/sys/Spawn.h"
 
 namespace {
 struct PipeHandle {
@@ -44,39 +45,47 @@ extern "C" void* qrn_popen(char const* file, int timeoutSeconds, ...)
     argv[argc] = nullptr;
 
     int in[2], out[2];
-    if (pipe2(in, O_CLOEXEC) != 0) return nullptr;
-    if (pipe2(out, O_CLOEXEC) != 0) {
-        close(in[0]);
-        close(in[1]);
+    if (sys::makePipe(in) != 0) return nullptr;
+    if (sys::makePipe(out) != 0) {
+        sys::closeFd(in[0]);
+        sys::closeFd(in[1]);
         return nullptr;
     }
-    const pid_t pid = fork();
-    if (pid < 0) {
-        for (int fd : {in[0], in[1], out[0], out[1]}) close(fd);
-        return nullptr;
-    }
-    if (pid == 0) {
-        dup2(in[0], 0);
-        dup2(out[1], 1);
-        close(2);  // the command runs without a standard error
-        execvp(file, const_cast<char* const*>(argv));
-        _exit(255);
-    }
-    close(in[0]);
-    close(out[1]);
+    sys::SpawnRequest request;
+    request.argv.assign(argv, argv + argc);
+    request.searchPath = true;
+    request.stdinFd = in[0];
+    request.stdoutFd = out[1];
+    request.stderrFd = sys::SPAWN_CLOSED;  // the command runs without a standard error
+    pid_t pid;
+    const int error = sys::spawn(request, &pid);
+    sys::closeFd(in[0]);
+    sys::closeFd(out[1]);
     auto* h = static_cast<PipeHandle*>(std::calloc(1, sizeof(PipeHandle)));
     if (!h) {
-        close(in[1]);
-        close(out[0]);
-        kill(pid, SIGKILL);
-        waitpid(pid, nullptr, 0);
+        sys::closeFd(in[1]);
+        sys::closeFd(out[0]);
+        if (!error) {
+            sys::killGroup(pid);
+            int status;
+            sys::reap(pid, &status);
+        }
         return nullptr;
+    }
+    h->start = static_cast<int>(time(nullptr));
+    h->timeout = timeoutSeconds;
+    if (error) {
+        // A command that cannot be executed ends at once, with no output and
+        // the status a failed exec gives.
+        sys::closeFd(in[1]);
+        sys::closeFd(out[0]);
+        h->exited = true;
+        h->status = 255 << 8;
+        return h;
     }
     h->pid = pid;
     h->input = in[1];
     h->output = out[0];
-    h->start = static_cast<int>(time(nullptr));
-    h->timeout = timeoutSeconds;
     return h;
 }
 
@@ -100,10 +109,10 @@ extern "C" int qrn_pgets(char* buf, int size, void* handle)
         return 0;
     }
     if (h->start >= 1 && h->timeout >= 1 && time(nullptr) > h->start + h->timeout) {
-        kill(h->pid, SIGKILL);
+        sys::killGroup(h->pid);
         // Reap it now: the kill is certain to end it, and a long-lived host
         // must not keep zombies.
-        waitpid(h->pid, &status, 0);
+        sys::reap(h->pid, &status);
         h->exited = true;
         h->status = status;
         return -1;
@@ -125,8 +134,8 @@ extern "C" void qrn_pclose(void* handle)
         // pipe; reap it so no zombie is left behind.
         int status;
         if (waitpid(h->pid, &status, WNOHANG) == 0) {
-            kill(h->pid, SIGKILL);
-            waitpid(h->pid, &status, 0);
+            sys::killGroup(h->pid);
+            sys::reap(h->pid, &status);
         }
     }
     free(h);

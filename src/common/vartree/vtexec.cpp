@@ -1,6 +1,7 @@
 #include "common/vartree/vtexec.h"
 
 #include <fcntl.h>
+#include <poll.h>
 #include <signal.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -14,6 +15,10 @@
 #include <ctime>
 #include <string>
 
+#include "common/sys/Spawn.h"
+#include "framework/NimCfg.h"
+#include "framework/Trace.h"
+
 VtExecInfo::~VtExecInfo()
 {
     delete[] message;
@@ -24,10 +29,10 @@ VtExecInfo::~VtExecInfo()
 
 VtProcess::VtProcess()
 {
-    // Close-on-exec keeps these pipes out of every other child; dup2 in the
-    // child clears the flag on the copies it keeps.
-    m_pipesOk = pipe2(m_stdinPipe, O_CLOEXEC) == 0 && pipe2(m_stdoutPipe, O_CLOEXEC) == 0 &&
-                pipe2(m_stderrPipe, O_CLOEXEC) == 0;
+    // Close-on-exec keeps these pipes out of every other child; the spawn
+    // gives the child the copies it needs.
+    m_pipesOk = sys::makePipe(m_stdinPipe) == 0 && sys::makePipe(m_stdoutPipe) == 0 &&
+                sys::makePipe(m_stderrPipe) == 0;
     m_stdin = new VtOStream_Unix(m_stdinPipe[1]);
     m_stdout = new VtIStream_Unix(m_stdoutPipe[0]);
     m_stderr = new VtIStream_Unix(m_stderrPipe[0]);
@@ -43,37 +48,43 @@ VtProcess::~VtProcess()
 
 void VtProcess::closeUnusedHandles()
 {
-    for (int* fd : {&m_stdinPipe[0], &m_stdoutPipe[1], &m_stderrPipe[1]}) {
-        if (*fd != -1) close(*fd);
-        *fd = -1;
-    }
+    for (int* fd : {&m_stdinPipe[0], &m_stdoutPipe[1], &m_stderrPipe[1]}) sys::closeFd(*fd);
 }
 
 namespace {
-// In the child: the error log, created 0644 or truncated with its mode reset.
+
+const char* const kSource = "./../../../src/common/vartree/vtexec";
+
+// The error log, created 0644 or truncated with its mode reset to 0644, and
+// its first line the start time. Opened here, not in the child, and never
+// through a link or into anything but a regular file: the folder may be
+// shared, and the scan runs as root.
 int openErrorLog(const char* errorLog)
 {
     if (!errorLog) return -1;
-    int fd = open(errorLog, O_WRONLY | O_CREAT | O_EXCL, 0644);
+    const int flags = O_WRONLY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK;
+    int fd = open(errorLog, flags | O_CREAT | O_EXCL, 0644);
     if (fd < 0 && errno == EEXIST) {
-        chmod(errorLog, 0644);
-        fd = open(errorLog, O_WRONLY | O_TRUNC);
+        fd = open(errorLog, flags);
+        struct stat st;
+        if (fd >= 0 && (fstat(fd, &st) != 0 || !S_ISREG(st.st_mode) || fchmod(fd, 0644) != 0 || ftruncate(fd, 0) != 0))
+            sys::closeFd(fd);
     }
-    if (fd >= 0) {
-        char stamp[256];
-        const time_t now = time(nullptr);
-        struct tm local;
-        size_t n = 0;
+    if (fd < 0) return -1;
+    char stamp[256];
+    const time_t now = time(nullptr);
+    struct tm local;
+    size_t n = 0;
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wformat-y2k"  // the locale's own date form is wanted
-        if (localtime_r(&now, &local)) n = strftime(stamp, sizeof stamp, "CPUID START TIMESTAMP = %c\n", &local);
+    if (localtime_r(&now, &local)) n = strftime(stamp, sizeof stamp, "CPUID START TIMESTAMP = %c\n", &local);
 #pragma GCC diagnostic pop
-        if (n > 0 && write(fd, stamp, n) < 0) {
-            // nothing more to do in the child
-        }
+    if (n > 0 && write(fd, stamp, n) < 0) {
+        // the probe's own lines still follow
     }
     return fd;
 }
+
 }  // namespace
 
 VtProcess* VtProcess::create(const char* program, const char* args, const char* errorLog)
@@ -83,34 +94,31 @@ VtProcess* VtProcess::create(const char* program, const char* args, const char* 
         delete p;
         return nullptr;
     }
-    // The argument vector is built before fork: the child only calls
-    // async-signal-safe functions.
     enum { MAX_ARGS = 63 };
-    char* argv[MAX_ARGS + 1] = {};
-    std::string program_copy(program);
-    std::string args_copy(args ? args : "");
-    argv[0] = &program_copy[0];
-    int argc = 1;
+    sys::SpawnRequest request;
+    request.argv.emplace_back(program);
     if (args) {
+        std::string copy(args);
         char* save = nullptr;
-        for (char* t = strtok_r(&args_copy[0], " ", &save); t && argc < MAX_ARGS; t = strtok_r(nullptr, " ", &save))
-            argv[argc++] = t;
+        for (char* t = strtok_r(&copy[0], " ", &save); t && request.argv.size() < MAX_ARGS;
+             t = strtok_r(nullptr, " ", &save))
+            request.argv.emplace_back(t);
     }
-
-    const pid_t pid = fork();
-    if (pid < 0) {
+    int log = openErrorLog(errorLog);
+    request.stdinFd = p->m_stdinPipe[0];
+    request.stdoutFd = p->m_stdoutPipe[1];
+    request.stderrFd = log >= 0 ? log : p->m_stderrPipe[1];
+    pid_t pid;
+    p->m_startError = sys::spawn(request, &pid);
+    sys::closeFd(log);
+    if (p->m_startError == EAGAIN || p->m_startError == ENOMEM) {
+        // No process could be made: the caller may try again later.
         delete p;
         return nullptr;
     }
-    if (pid == 0) {
-        const int log = openErrorLog(errorLog);
-        dup2(p->m_stdinPipe[0], 0);
-        dup2(p->m_stdoutPipe[1], 1);
-        dup2(log >= 0 ? log : p->m_stderrPipe[1], 2);
-        execv(program, argv);
-        _exit(255);
-    }
-    p->m_pid = pid;
+    // A program that cannot be executed leaves no child: its output reads
+    // as empty, as from a child that failed to exec.
+    if (!p->m_startError) p->m_pid = pid;
     p->closeUnusedHandles();
     return p;
 }
@@ -178,15 +186,116 @@ VtExecInfo* vtParseProgramOutput(VtIStream* out)
     return info;
 }
 
+namespace {
+
+// The probe's standard output, read with a deadline and a byte limit, while
+// its standard error (when not going to the log) is drained and dropped, so
+// the probe can never block on it. Either bound reached reads as the end.
+class BoundedOutput : public VtIStream {
+public:
+    BoundedOutput(int out, int err, long long deadline) : m_out(out), m_err(err), m_deadline(deadline) {}
+    bool timedOut() const { return m_timedOut; }
+    bool overflowed() const { return m_total > VT_MAX_OUTPUT_BYTES; }
+
+    int read(char* buffer, unsigned int length) override
+    {
+        for (;;) {
+            if (overflowed() || m_timedOut || m_out < 0) return 0;
+            const long long left = m_deadline - sys::monotonicMillis();
+            if (left <= 0) {
+                m_timedOut = true;
+                return 0;
+            }
+            struct pollfd p[2] = {{m_out, POLLIN, 0}, {m_err, POLLIN, 0}};
+            const int r = poll(p, m_err >= 0 ? 2 : 1, static_cast<int>(left > 60000 ? 60000 : left));
+            if (r < 0 && errno != EINTR) return -1;
+            if (r <= 0) continue;
+            if (m_err >= 0 && p[1].revents) {
+                char sink[4096];
+                const ssize_t n = ::read(m_err, sink, sizeof sink);
+                if (n == 0 || (n < 0 && errno != EINTR && errno != EAGAIN)) m_err = -1;
+            }
+            if (p[0].revents) {
+                const ssize_t n = ::read(m_out, buffer, length);
+                if (n < 0 && (errno == EINTR || errno == EAGAIN)) continue;
+                if (n > 0) m_total += static_cast<size_t>(n);
+                return static_cast<int>(n);
+            }
+        }
+    }
+
+private:
+    int m_out, m_err;
+    long long m_deadline;
+    size_t m_total = 0;
+    bool m_timedOut = false;
+};
+
+int fdOf(VtIStream* stream) { return static_cast<VtIStream_Unix*>(stream)->fd(); }
+
+// A run past a bound is a failed run: no header, no tree.
+void discard(VtExecInfo& info)
+{
+    info.result = -1;
+    delete[] info.message;
+    info.message = nullptr;
+    delete info.root;
+    info.root = nullptr;
+}
+
+}  // namespace
+
 VtExecInfo* vtExecProgram(const char* program, const char* args, const char* errorLog)
 {
     VtProcess* process = VtProcess::create(program, args, errorLog);
-    if (!process) return nullptr;
-    VtExecInfo* info = vtParseProgramOutput(process->getStdout());
-    // Close our end first, so a probe still writing gets SIGPIPE instead of
+    const int log = getCcLogHw();
+    if (!process) {
+        CcLogWrapper::traceMIN(log, __LINE__, kSource, "vtExecProgram()", "[E] %s could not be started: %s",
+                               program ? program : "", std::strerror(errno));
+        return nullptr;
+    }
+    if (process->startError())
+        CcLogWrapper::traceMIN(log, __LINE__, kSource, "vtExecProgram()", "[E] %s could not be executed: %s", program,
+                               std::strerror(process->startError()));
+
+    // The design has probes run unbounded; a long-lived host cannot wait
+    // forever, so the scanner's time-out bounds the whole run.
+    const int seconds = NimCfg::getTimeout();
+    const long long deadline = sys::monotonicMillis() + 1000LL * seconds;
+    BoundedOutput output(fdOf(process->getStdout()), fdOf(process->getStderr()), deadline);
+    VtExecInfo* info = vtParseProgramOutput(&output);
+    // Close our ends first, so a probe still writing gets SIGPIPE instead of
     // blocking, then reap it: a long-lived host must not collect zombies.
     process->getStdout()->close();
-    process->waitFor();
+    process->getStderr()->close();
+    const pid_t pid = process->pid();
+    int status = 0;
+    bool reaped = false, timedOut = output.timedOut();
+    if (pid > 0) {
+        if (!timedOut && !output.overflowed()) {
+            reaped = sys::reapBy(pid, &status, deadline);
+            timedOut = !reaped;  // its output ended, but it ran on
+        }
+        if (!reaped) {
+            sys::killGroup(pid);
+            reaped = sys::reap(pid, &status);
+        }
+    }
+    if (output.overflowed()) {
+        CcLogWrapper::traceMIN(log, __LINE__, kSource, "vtExecProgram()", "[E] %s printed more than %u bytes: killed",
+                               program, static_cast<unsigned>(VT_MAX_OUTPUT_BYTES));
+        discard(*info);
+    } else if (timedOut) {
+        CcLogWrapper::traceMIN(log, __LINE__, kSource, "vtExecProgram()", "[E] %s did not finish within %d s: killed",
+                               program, seconds);
+        discard(*info);
+    } else if (reaped && WIFSIGNALED(status)) {
+        CcLogWrapper::traceMIN(log, __LINE__, kSource, "vtExecProgram()", "[E] %s ended by signal %d", program,
+                               WTERMSIG(status));
+    } else if (reaped) {
+        CcLogWrapper::traceMAX(log, __LINE__, kSource, "vtExecProgram()", "[I] %s exit status %d", program,
+                               WEXITSTATUS(status));
+    }
     delete process;
     return info;
 }

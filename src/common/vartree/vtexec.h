@@ -35,6 +35,8 @@ public:
     VtIStream* getStdout() const { return m_stdout; }
     VtIStream* getStderr() const { return m_stderr; }
     int pid() const { return m_pid; }
+    // Why the program could not be executed (an errno), 0 when it started.
+    int startError() const { return m_startError; }
 
 private:
     VtOStream* m_stdin = nullptr;
@@ -46,9 +48,17 @@ private:
     int m_stdoutPipe[2] = {-1, -1};
     int m_stderrPipe[2] = {-1, -1};
     bool m_pipesOk = false;
+    int m_startError = 0;
 };
 
+// The most a probe may print; a run past it is a failed run.
+constexpr unsigned long VT_MAX_OUTPUT_BYTES = 16ul * 1024 * 1024;
+
 VtExecInfo* vtParseProgramOutput(VtIStream* out);
+// Runs the program to its end and parses its output. Null only when no
+// process could be made. A run that outlives "hwscanner.timeout" or prints
+// more than VT_MAX_OUTPUT_BYTES is killed with its process group and gives
+// result -1 and no tree; each run's end is traced.
 VtExecInfo* vtExecProgram(const char* program, const char* args, const char* errorLog);
 // Runs $NIM_HOMEDIR/bin/<command>, or <command> itself without NIM_HOMEDIR.
 VtExecInfo* vtExecCommand(const char* command, const char* args, const char* errorLog);

@@ -331,17 +331,7 @@ int GetNIMMaxTimeout()
 {
     int hLog = getCcLogHw();
     CcLogWrapper::traceMidEntry(hLog, __LINE__, SOURCE, "GetNIMMaxTimeout", "hardware ");
-    int timeout = NIM_DEFAULT_MAX_TIMEOUT;
-    const String configured = NimCfg::getKey("hwscanner.timeout");
-    long parsed = 0;
-    if (!configured.empty()) {
-        if (parseWhole(configured, 1, 24L * 3600L, parsed))
-            timeout = static_cast<int>(parsed);
-        else
-            CcLogWrapper::traceMIN(hLog, __LINE__, SOURCE, "GetNIMMaxTimeout",
-                                   "hardware ERROR! hwscanner.timeout %s is not a number of seconds, using %d",
-                                   text(configured).c_str(), timeout);
-    }
+    const int timeout = NimCfg::getTimeout();
     CcLogWrapper::traceMidExit(hLog, __LINE__, SOURCE, "GetNIMMaxTimeout", "hardware result=%d", timeout);
     return timeout;
 }

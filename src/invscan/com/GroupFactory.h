@@ -5,6 +5,7 @@
 #include <map>
 #include <vector>
 
+#include "framework/NimCfg.h"
 #include "framework/String.h"
 #include "invscan/com/HWConfig.h"
 #include "invscan/com/KorGroup.h"
@@ -77,7 +78,6 @@ const char* getBuildDateQVRB();
 extern const char QVRB_BuildDate[];  // yy/mm/dd
 extern const char QVRB_BuildTime[];  // hh:mm:ss
 
-// Longest a command or probe may run, in seconds: "hwscanner.timeout" when it
-// holds a positive whole number, else NIM_DEFAULT_MAX_TIMEOUT.
-const int NIM_DEFAULT_MAX_TIMEOUT = 600;
+// Longest a command or probe may run, in seconds (NimCfg::getTimeout()).
+const int NIM_DEFAULT_MAX_TIMEOUT = NimCfg::DEFAULT_TIMEOUT;
 int GetNIMMaxTimeout();
