@@ -1,10 +1,11 @@
 #include "framework/NimCfg.h"
 
-#include <fstream>
 #include <map>
 
 #include <cerrno>
+#include <cstdio>
 #include <cstdlib>
+#include <cstring>
 
 #include "framework/Trace.h"
 #include "framework/utils.h"
@@ -24,6 +25,14 @@ bool splitAssignment(const std::string& line, std::string& key, std::string& val
     key = utils::trimBoth(line.substr(0, eq));
     value = utils::trimBoth(line.substr(eq + 1));
     return !key.empty();
+}
+// One line of a configuration file: a comment, blank, or key=value.
+bool takeLine(const std::string& line, const std::string& path, int number, std::string& problem)
+{
+    const std::string trimmed = utils::trimBoth(line);
+    if (trimmed.empty() || trimmed[0] == '#' || NimCfg::setFromAssignment(trimmed)) return true;
+    problem = path + ":" + std::to_string(number) + ": expected key=value";
+    return false;
 }
 }  // namespace
 
@@ -53,25 +62,33 @@ bool NimCfg::setFromAssignment(const std::string& assignment)
 
 bool NimCfg::loadFile(const std::string& path, std::string* error)
 {
-    std::ifstream in(path);
+    // Configuration is small: a file past these is not one.
+    const size_t maxBytes = 1024 * 1024, maxLine = 4096;
+    std::FILE* in = utils::openRegularFile(path);
     if (!in) {
-        if (error) *error = "cannot open " + path;
+        if (error) *error = "cannot open " + path + ": " + std::strerror(errno);
         return false;
     }
-    std::string line;
-    for (int number = 1; std::getline(in, line); ++number) {
-        const std::string trimmed = utils::trimBoth(line);
-        if (trimmed.empty() || trimmed[0] == '#') continue;
-        if (!setFromAssignment(trimmed)) {
-            if (error) *error = path + ":" + std::to_string(number) + ": expected key=value";
-            return false;
+    std::string problem, line;
+    size_t total = 0;
+    int number = 1;
+    for (int c; problem.empty() && (c = std::fgetc(in)) != EOF;) {
+        if (++total > maxBytes) {
+            problem = path + ": larger than " + std::to_string(maxBytes) + " bytes";
+        } else if (c != '\n') {
+            line.push_back(static_cast<char>(c));
+            if (line.size() > maxLine)
+                problem = path + ":" + std::to_string(number) + ": longer than " + std::to_string(maxLine) + " characters";
+            continue;
         }
+        if (problem.empty() && !takeLine(line, path, number++, problem)) break;
+        line.clear();
     }
-    if (in.bad()) {
-        if (error) *error = "cannot read " + path;
-        return false;
-    }
-    return true;
+    if (problem.empty() && std::ferror(in)) problem = "cannot read " + path;
+    if (problem.empty() && !line.empty()) takeLine(line, path, number, problem);
+    std::fclose(in);
+    if (!problem.empty() && error) *error = problem;
+    return problem.empty();
 }
 
 void NimCfg::clear()

@@ -1,5 +1,8 @@
 #include "framework/Trace.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 #include <sys/time.h>
 
 #include <cstdarg>
@@ -94,24 +97,36 @@ bool setFile(const std::string& path)
     std::lock_guard<std::mutex> guard(s.lock);
     FILE* next = nullptr;
     if (!path.empty() && path != "stderr") {
-        next = fopen(path.c_str(), "ae");
-        if (!next) return false;
+        // Appended to, never through a link, never into a FIFO or device: the
+        // folder may be shared and the host may run as root.
+        const int fd = open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, 0644);
+        struct stat st;
+        if (fd >= 0 && fstat(fd, &st) == 0 && S_ISREG(st.st_mode)) next = fdopen(fd, "a");
+        if (!next) {
+            if (fd >= 0) close(fd);
+            return false;
+        }
     }
     if (s.file) fclose(s.file);
     s.file = next;
     return true;
 }
 
-void configure()
+bool configure()
 {
     Level wanted = Level::Off;
     const std::string levelText = NimCfg::getKey("trace.level").narrow();
     if (!levelText.empty() && !parseLevel(levelText, wanted))
         fprintf(stderr, "invscan: ignoring trace.level=%s (expected off, min, mid or max)\n", levelText.c_str());
-    const std::string file = NimCfg::getKey("trace.file").narrow();
-    if (!setFile(file))
+    // The file is opened only when there is something to write to it.
+    const std::string file = wanted == Level::Off ? std::string() : NimCfg::getKey("trace.file").narrow();
+    const bool opened = setFile(file);
+    if (!opened) {
         fprintf(stderr, "invscan: cannot open trace file %s; tracing to standard error\n", file.c_str());
+        setFile(std::string());
+    }
     setLevel(wanted);
+    return opened;
 }
 
 void emit(Level level, const char* file, int line, const char* function, std::string&& text)

@@ -23,8 +23,10 @@ enum class Level { Off = 0, Min = 1, Mid = 2, Max = 3 };
 const char* levelName(Level level);
 bool parseLevel(const std::string& text, Level& out);  // off|min|mid|max or 0-3
 
-// Reads "trace.level" and "trace.file" from NimCfg and applies them.
-void configure();
+// Reads "trace.level" and "trace.file" from NimCfg and applies them; the
+// file is opened only when the level is not off. False (tracing goes to
+// standard error) when the file cannot be opened.
+bool configure();
 void setLevel(Level level);
 Level level();
 inline bool enabled(Level wanted);

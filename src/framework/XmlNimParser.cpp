@@ -1,5 +1,7 @@
 #include "framework/XmlNimParser.h"
 
+#include "framework/utils.h"
+
 #include <expat.h>
 
 #include <algorithm>
@@ -252,7 +254,7 @@ int XmlNimParser::parseStream(std::FILE* in)
 
 int XmlNimParser::parseFile(const std::string& path)
 {
-    std::FILE* in = std::fopen(path.c_str(), "rb");
+    std::FILE* in = utils::openRegularFile(path);
     if (!in) {
         const int error = errno;
         m_reader.clear();

@@ -1,5 +1,6 @@
 #pragma once
 // Text helpers of the framework.
+#include <cstdio>
 #include <string>
 #include "framework/String.h"
 
@@ -29,6 +30,11 @@ bool regexMatch(const std::string& text, const std::string& pattern, std::string
 
 // "1F" or "0x1f" -> "31". Empty for empty, invalid or over-64-bit input.
 std::string hexToDecimal(const std::string& hex);
+
+// Opens a configuration file for reading, only when it is a regular file:
+// a FIFO, a device (/dev/zero) or a folder gives null with errno set (a FIFO
+// without a writer would block the open, so it is opened without waiting).
+std::FILE* openRegularFile(const std::string& path);
 
 }  // namespace utils
 

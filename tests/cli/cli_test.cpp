@@ -15,6 +15,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include "support/TempDir.h"
+
 namespace {
 
 struct Result {
@@ -45,13 +47,6 @@ protected:
         const char* dir = std::getenv("INVSCAN_BIN_DIR");
         m_program = std::string(dir ? dir : INVSCAN_BIN_DIR) + "/invscan";
         if (access(m_program.c_str(), X_OK) != 0) GTEST_SKIP() << "not built: " << m_program;
-        char pattern[] = "/tmp/invscan-cli-XXXXXX";
-        ASSERT_NE(mkdtemp(pattern), nullptr);
-        m_dir = pattern;
-    }
-    void TearDown() override
-    {
-        if (!m_dir.empty()) std::system(("rm -rf " + quote(m_dir)).c_str());
     }
 
     Result run(const std::vector<std::string>& args, const std::string& environment = "")
@@ -75,7 +70,8 @@ protected:
     }
 
     std::string m_program;
-    std::string m_dir;
+    testsupport::TempDir m_temp;
+    const std::string m_dir = m_temp.path();
 };
 
 TEST_F(Cli, VersionAndHelpSucceed)
@@ -95,6 +91,10 @@ TEST_F(Cli, VersionAndHelpSucceed)
 
 TEST_F(Cli, MistakesGiveAMessageAndExitTwo)
 {
+    // Neither file must hang or fill memory: a FIFO without a writer, and an
+    // endless device.
+    const std::string fifo = m_dir + "/fifo";
+    ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
     struct Case {
         std::vector<std::string> args;
         const char* message;
@@ -111,6 +111,10 @@ TEST_F(Cli, MistakesGiveAMessageAndExitTwo)
         {{"--set", "novalue", "list"}, "KEY=VALUE"},
         {{"--config", "/nonexistent/invscan.cfg", "list"}, "/nonexistent/invscan.cfg"},
         {{"--hwconfig", "/nonexistent/hw.xml", "scan", "Memory"}, "/nonexistent/hw.xml"},
+        {{"--config", "/dev/zero", "list"}, "/dev/zero"},
+        {{"--config", fifo, "list"}, fifo.c_str()},
+        {{"--hwconfig", fifo, "scan", "Memory"}, fifo.c_str()},
+        {{"--hwconfig", "/dev/zero", "scan", "Memory"}, "/dev/zero"},
     };
     for (const Case& c : cases) {
         std::string joined;
@@ -218,8 +222,9 @@ TEST_F(Cli, ConfigurationFileSetAndTraceOptionsReachTheLibrary)
     const std::string traceFile = m_dir + "/trace.log";
     const std::string hw = write("hw.xml", "<NimHWConfig><Hardware site=\"lab\"/></NimHWConfig>");
     const std::string cfg = write("invscan.cfg", "# comment\ntrace.level = min\nhwscanner.cputhreshold = 90\n");
+    // --set takes one pair each time: Memory after it is still a group.
     const Result r =
-        run({"--config", cfg, "--set", "trace.level=max", "--trace-file", traceFile, "--hwconfig", hw, "scan", "Memory"});
+        run({"--config", cfg, "--trace-file", traceFile, "--hwconfig", hw, "scan", "--set", "trace.level=max", "Memory"});
     ASSERT_EQ(r.code, 0) << r.err;
     const std::string trace = slurp(traceFile);
     EXPECT_NE(trace.find("hardware groupName=Memory"), std::string::npos) << trace;
@@ -247,6 +252,13 @@ TEST_F(Cli, ABadDefaultHardwareConfigurationDoesNotStopTheScan)
     EXPECT_EQ(r.code, 0) << r.err;
     EXPECT_NE(slurp(traceFile).find("hardware ERROR! Failed to open file /nonexistent/NimHWConfig.xml for reading"),
               std::string::npos);
+}
+
+TEST_F(Cli, AScanWhereEveryGroupFailedExitsOne)
+{
+    EXPECT_EQ(run({"scan", "Processor"}, "NIM_HOMEDIR=/nonexistent").code, 1);
+    EXPECT_EQ(run({"scan", "Processor", "Memory"}, "NIM_HOMEDIR=/nonexistent").code, 0);
+    EXPECT_EQ(run({"scan", "SAN Adapter"}).code, 0);  // no class yet: nothing failed
 }
 
 TEST_F(Cli, AnUnwritableTraceFileIsRefused)

@@ -194,12 +194,16 @@ TEST_F(HWConfigLoad, BadFilesTraceTheParseFailureAndLeaveEmptyLists)
     }
 }
 
-TEST_F(HWConfigLoad, ADirectoryFailsAsUnreadable)
+TEST_F(HWConfigLoad, AnythingButARegularFileFailsToOpenWithoutWaiting)
 {
-    trace::Capture capture(trace::Level::Max);
-    EXPECT_EQ(m_factory->loadNodeFromFile(m_dir, 0), XmlNimParser::STATUS_READ_FAILED);
-    EXPECT_TRUE(capture.contains("hardware ERROR! Failed to parse the xmlfile " + m_dir));
-    expectEmpty();
+    const std::string fifo = m_dir + "/fifo.xml";
+    ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);  // no writer: a plain open would wait forever
+    for (const std::string& path : {m_dir, fifo, std::string("/dev/zero")}) {
+        trace::Capture capture(trace::Level::Max);
+        EXPECT_EQ(m_factory->loadNodeFromFile(path, 0), XmlNimParser::STATUS_OPEN_FAILED) << path;
+        EXPECT_TRUE(capture.contains("hardware ERROR! Failed to open file " + path + " for reading")) << path;
+        expectEmpty();
+    }
 }
 
 TEST_F(HWConfigLoad, AFileWithoutReadPermissionFailsToOpen)

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <sys/stat.h>
+#include <sys/types.h>
 #include <unistd.h>
 
 #include <fstream>
@@ -11,6 +12,7 @@
 #include "framework/NimCfg.h"
 #include "framework/Trace.h"
 #include "invscan/com/probeVT.h"
+#include "support/Machine.h"
 #include "support/StreamCapture.h"
 #include "support/TempDir.h"
 
@@ -58,15 +60,10 @@ class ProbeRunner : public ::testing::Test {
 protected:
     void SetUp() override
     {
-        probes::resetCacheForTests();
         NimCfg::clear();
         m_home.write("bin/.keep", "");
     }
-    void TearDown() override
-    {
-        probes::resetCacheForTests();
-        NimCfg::clear();
-    }
+    void TearDown() override { NimCfg::clear(); }
     // A probe that counts its runs in runs.log and prints its arguments.
     void countingProbe(const std::string& name)
     {
@@ -118,31 +115,34 @@ TEST_F(ProbeRunner, WithoutNimHomeTheNameIsAPathFromTheCurrentFolder)
     EXPECT_EQ(bare->result, 0);
 }
 
-TEST_F(ProbeRunner, MissingProgramGivesMinusOneAndIsCached)
+// The accessors cache per process: each case runs in a process of its own.
+#define IN_OWN_PROCESS(body) \
+    EXPECT_EXIT({ body std::exit(::testing::Test::HasFailure() ? 1 : 0); }, ::testing::ExitedWithCode(0), "")
+
+TEST_F(ProbeRunner, AccessorsRunEachProbeOnceAndCacheEvenAFailure)
 {
     ScopedEnv home("NIM_HOMEDIR", m_home.path().c_str());
-    trace::Capture capture;
-    VtExecInfo* first = getCpuidVT();
-    ASSERT_NE(first, nullptr);
-    EXPECT_EQ(first->result, -1);
-    EXPECT_EQ(first->root, nullptr);
-    EXPECT_TRUE(capture.contains("[I] VT command executed, rc=-1"));
-    countingProbe("cpuid");  // appears later: the cached failure stands
-    EXPECT_EQ(getCpuidVT(), first);
-    EXPECT_EQ(runs(), 0);
-}
-
-TEST_F(ProbeRunner, EachAccessorRunsItsProbeOnce)
-{
+    IN_OWN_PROCESS({
+        trace::Capture capture;
+        VtExecInfo* first = getCpuidVT();
+        ASSERT_NE(first, nullptr);
+        EXPECT_EQ(first->result, -1);
+        EXPECT_EQ(first->root, nullptr);
+        EXPECT_TRUE(capture.contains("[I] VT command executed, rc=-1"));
+        countingProbe("cpuid");  // appears later: the cached failure stands
+        EXPECT_EQ(getCpuidVT(), first);
+        EXPECT_EQ(runs(), 0);
+    });
     countingProbe("cpuid");
     countingProbe("diskscan");
-    ScopedEnv home("NIM_HOMEDIR", m_home.path().c_str());
-    for (int i = 0; i < 5; ++i) {
-        ASSERT_NE(getCpuidVT(), nullptr);
-        ASSERT_NE(getDiskScanVT(), nullptr);
-    }
-    EXPECT_EQ(runs(), 2);
-    EXPECT_EQ(getDiskScanVT()->result, 0);
+    IN_OWN_PROCESS({
+        for (int i = 0; i < 5; ++i) {
+            ASSERT_NE(getCpuidVT(), nullptr);
+            ASSERT_NE(getDiskScanVT(), nullptr);
+        }
+        EXPECT_EQ(runs(), 2);
+        EXPECT_EQ(getDiskScanVT()->result, 0);
+    });
 }
 
 TEST_F(ProbeRunner, DebugModeWritesTheErrorLog)
@@ -153,28 +153,85 @@ TEST_F(ProbeRunner, DebugModeWritesTheErrorLog)
     const std::string log = logs.write("traceNIM_cpuid.log", "old content that is longer than the new one\n", 0600);
     NimCfg::setKey("common_trace_path", String(logs.path()));
     const mode_t old = umask(022);
-    VtExecInfo* info = getCpuidVT();
-    umask(old);
-    ASSERT_NE(info, nullptr);
-    EXPECT_STREQ(info->root->getValue("Args", "first", ""), "-d");
+    IN_OWN_PROCESS({
+        VtExecInfo* info = getCpuidVT();
+        ASSERT_NE(info, nullptr);
+        EXPECT_STREQ(info->root->getValue("Args", "first", ""), "-d");
+    });
     struct stat st;
     ASSERT_EQ(stat(log.c_str(), &st), 0);
     EXPECT_EQ(st.st_mode & 0777, 0644u);
-    std::ifstream in(log);
-    std::stringstream content;
-    content << in.rdbuf();
-    EXPECT_EQ(content.str().rfind("CPUID START TIMESTAMP = ", 0), 0u) << content.str();
-    EXPECT_NE(content.str().find("\nto stderr\n"), std::string::npos);
-    EXPECT_EQ(content.str().find("old content"), std::string::npos);
+    const std::string content = testsupport::readFile(log);
+    EXPECT_EQ(content.rfind("CPUID START TIMESTAMP = ", 0), 0u) << content;
+    EXPECT_NE(content.find("\nto stderr\n"), std::string::npos);
+    EXPECT_EQ(content.find("old content"), std::string::npos);
 
     // A fresh log is created 0644.
-    probes::resetCacheForTests();
     ASSERT_EQ(unlink(log.c_str()), 0);
-    umask(022);
-    getCpuidVT();
+    std::unique_ptr<VtExecInfo>(vtExecCommand("cpuid", "-d", log.c_str()));
     umask(old);
     ASSERT_EQ(stat(log.c_str(), &st), 0);
     EXPECT_EQ(st.st_mode & 0777, 0644u);
+}
+
+TEST_F(ProbeRunner, ALogPlantedAsALinkOrAFifoIsLeftAlone)
+{
+    countingProbe("cpuid");
+    ScopedEnv home("NIM_HOMEDIR", m_home.path().c_str());
+    TempDir logs;
+    const std::string victim = logs.write("victim", "keep me\n", 0600);
+    const std::string link = logs.path() + "/traceNIM_cpuid.log";
+    ASSERT_EQ(symlink(victim.c_str(), link.c_str()), 0);
+    std::unique_ptr<VtExecInfo> info(vtExecCommand("cpuid", "-d", link.c_str()));
+    EXPECT_EQ(info->result, 0);  // the probe still runs, its errors unlogged
+    struct stat st;
+    ASSERT_EQ(stat(victim.c_str(), &st), 0);
+    EXPECT_EQ(st.st_mode & 0777, 0600u);
+    EXPECT_EQ(testsupport::readFile(victim), "keep me\n");
+
+    const std::string fifo = logs.path() + "/fifo.log";
+    ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
+    info.reset(vtExecCommand("cpuid", "-d", fifo.c_str()));
+    EXPECT_EQ(info->result, 0);
+}
+
+TEST_F(ProbeRunner, FaultyProbesEndWithinTheTimeOutAndAreTraced)
+{
+    NimCfg::setKey("hwscanner.timeout", "1");
+    const std::string dump = "echo '1.0 0 ok'; echo '(A'; echo 'x:i=1'; echo ')'\n";
+    m_home.script("bin/sleeper", "sleep 30\n");
+    m_home.script("bin/holder", dump + "exec sleep 30\n");
+    m_home.script("bin/parent", dump + "sleep 30 &\nexit 0\n");
+    m_home.script("bin/shouter", "head -c 1000000 /dev/zero >&2\n" + dump);
+    m_home.script("bin/flood", "echo '1.0 0 ok'; echo '(A'; yes 'x:i=1' | head -c 17000000; echo ')'\n");
+    m_home.write("bin/plain", "#!/bin/sh\n" + dump, 0644);
+    m_home.write("bin/folder/.keep", "");
+    m_home.script("bin/killed", dump + "kill -9 $$\n");
+    struct Case {
+        const char* probe;
+        int result;
+        const char* trace;
+    } cases[] = {
+        {"sleeper", -1, "sleeper did not finish within 1 s: killed"},
+        {"holder", -1, "holder did not finish within 1 s: killed"},
+        {"parent", -1, "parent did not finish within 1 s: killed"},  // its child holds the output
+        {"shouter", 0, "shouter exit status 0"},                     // standard error drained
+        {"flood", -1, "flood printed more than 16777216 bytes: killed"},
+        {"plain", -1, "plain could not be executed: Permission denied"},
+        {"folder", -1, "folder could not be executed: Permission denied"},
+        {"killed", 0, "killed ended by signal 9"},  // what it printed stands
+    };
+    ScopedEnv home("NIM_HOMEDIR", m_home.path().c_str());
+    trace::Capture capture;
+    for (const Case& c : cases) {
+        capture.clear();
+        std::unique_ptr<VtExecInfo> info(vtExecCommand(c.probe, nullptr, nullptr));
+        ASSERT_NE(info, nullptr) << c.probe;
+        EXPECT_EQ(info->result, c.result) << c.probe;
+        EXPECT_EQ(info->root != nullptr, c.result == 0) << c.probe;
+        EXPECT_TRUE(capture.contains(c.trace)) << c.trace;
+    }
+    EXPECT_FALSE(testsupport::hasZombieChild());
 }
 
 TEST_F(ProbeRunner, HundredRunsLeaveNoDescriptorOrZombie)

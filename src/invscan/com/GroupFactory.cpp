@@ -185,7 +185,7 @@ int GroupFactory::loadNodeFromFile(const String& path, int priority)
         clearConfiguration();
         CcLogWrapper::traceMAX(hLog, __LINE__, SOURCE, "loadNodeFromFile", "hardware Open config file %s for read",
                                file.c_str());
-        std::FILE* in = file.empty() ? nullptr : std::fopen(file.c_str(), "rb");
+        std::FILE* in = file.empty() ? nullptr : utils::openRegularFile(file);
         if (!in) {
             CcLogWrapper::traceMIN(hLog, __LINE__, SOURCE, "loadNodeFromFile",
                                    "hardware ERROR! Failed to open file %s for reading", file.c_str());

@@ -5,12 +5,6 @@ namespace probes {
 extern VtExecInfo* g_cpuid;
 VtExecInfo* g_diskscan = nullptr;
 
-void resetCacheForTests()
-{
-    delete g_cpuid;
-    delete g_diskscan;
-    g_cpuid = g_diskscan = nullptr;
-}
 }  // namespace probes
 
 VtExecInfo* getDiskScanVT()

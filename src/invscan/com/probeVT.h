@@ -5,9 +5,3 @@
 
 VtExecInfo* getCpuidVT();
 VtExecInfo* getDiskScanVT();
-
-namespace probes {
-// Forgets the cached results (the records are freed): for tests that run
-// several scripted probes in one process.
-void resetCacheForTests();
-}  // namespace probes

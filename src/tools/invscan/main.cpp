@@ -156,8 +156,7 @@ int applyConfiguration(const Options& options)
         // A trace file with no level asked for would stay empty.
         if (NimCfg::getKey("trace.level").empty()) NimCfg::setKey("trace.level", "max");
     }
-    trace::configure();
-    if (!options.traceFile.empty() && !trace::setFile(options.traceFile)) {
+    if (!trace::configure() && !options.traceFile.empty()) {
         fail("cannot write trace file " + options.traceFile);
         return EXIT_USAGE;
     }
