@@ -5,7 +5,6 @@
 
 #include <chrono>
 #include <ctime>
-#include <thread>
 
 #include "framework/CpuThreshold.h"
 
@@ -63,31 +62,6 @@ TEST_F(Throttle, ZeroAndOutOfRangeValuesSwitchItOff)
         EXPECT_FALSE(CpuThreshold::isEnabled());
         EXPECT_EQ(CpuThreshold::totalSleepSeconds(), 0.0);
     }
-}
-
-TEST_F(Throttle, AnIdleScannerIsNotSlowedDown)
-{
-    CpuThreshold::Initialize(10);
-    const auto start = std::chrono::steady_clock::now();
-    for (int i = 0; i < 5; ++i) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(20));
-        CpuThreshold::doIteration();
-    }
-    const double wall = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-    // Sleeping 100 ms costs next to no CPU: the steps add nothing worth noting.
-    EXPECT_LT(wall, 1.0);
-    EXPECT_LT(CpuThreshold::totalSleepSeconds(), 0.5);
-}
-
-TEST_F(Throttle, SleepMakesUpForTheStepsExcess)
-{
-    CpuThreshold::Initialize(50);
-    burn(0.2);
-    CpuThreshold::doIteration();
-    // cpu / (wall + sleep) == 0.5, so sleep is about cpu - (wall - cpu).
-    const double expected = CpuThreshold::lastCpuSeconds() / 0.5 - CpuThreshold::lastWallSeconds();
-    EXPECT_NEAR(CpuThreshold::lastSleepSeconds(), expected, 0.01);
-    EXPECT_GT(CpuThreshold::lastSleepSeconds(), 0.05);
 }
 
 }  // namespace

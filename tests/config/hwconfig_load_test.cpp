@@ -12,6 +12,7 @@
 
 #include "framework/CpuThreshold.h"
 #include "framework/NimCfg.h"
+#include "support/TempDir.h"
 #include "framework/Trace.h"
 #include "framework/XmlNimParser.h"
 #include "invscan/com/GroupFactory.h"
@@ -39,9 +40,6 @@ class HWConfigLoad : public ::testing::Test {
 protected:
     void SetUp() override
     {
-        char pattern[] = "/tmp/invscan-hwconfig-XXXXXX";
-        ASSERT_NE(mkdtemp(pattern), nullptr);
-        m_dir = pattern;
         NimCfg::clear();
         m_factory = GroupFactory::getInstance();
     }
@@ -50,14 +48,8 @@ protected:
         // The throttle is process-wide: leave it off for the other tests.
         CpuThreshold::Initialize(0);
         NimCfg::clear();
-        std::system(("rm -rf '" + m_dir + "'").c_str());
     }
-    std::string write(const std::string& name, const std::string& content)
-    {
-        const std::string path = m_dir + "/" + name;
-        std::ofstream(path, std::ios::binary) << content;
-        return path;
-    }
+    std::string write(const std::string& name, const std::string& content) { return m_temp.write(name, content); }
     void expectEmpty()
     {
         EXPECT_TRUE(m_factory->getGlobalAttrList().empty());
@@ -67,7 +59,8 @@ protected:
         EXPECT_TRUE(m_factory->getQCMInfo().empty());
     }
 
-    std::string m_dir;
+    testsupport::TempDir m_temp;
+    const std::string m_dir = m_temp.path();
     GroupFactory* m_factory = nullptr;
 };
 

@@ -6,6 +6,7 @@
 #include "cpuidprobe/DumpReader.h"
 #include "probes/cpuid/Collect.h"
 #include "probes/cpuid/Decoder.h"
+#include "support/Fixtures.h"
 
 namespace {
 
@@ -97,15 +98,12 @@ TEST(CpuidCollect, StaysWithinBoundsWhateverTheMaximaSay)
     EXPECT_EQ(d.maxExtended(), 0u);  // 0xFFFFFFFF is no extended maximum
 }
 
-std::string fixtureDir() { return std::string(INVSCAN_FIXTURES_DIR) + "/cpuid"; }
-
 // What the probe asks and what it writes in its debug log are enough to
 // decode the machine again: collecting from a capture and reading the raw
 // log back gives the same answer as the capture itself.
 TEST(CpuidCollect, CollectedAndLoggedRegistersDecodeLikeTheCapture)
 {
-    struct stat st {};
-    if (stat(fixtureDir().c_str(), &st) != 0) GTEST_SKIP() << "no CPUID captures at " << fixtureDir();
+    REQUIRE_FIXTURES(dir, "cpuid");
     const char* files[] = {
         "InstLatx64__GenuineIntel0000F24_P4_Northwood_CPUID.txt",
         "InstLatx64__GenuineIntel0010676_Harpertown_CPUID.txt",
@@ -116,7 +114,7 @@ TEST(CpuidCollect, CollectedAndLoggedRegistersDecodeLikeTheCapture)
     };
     for (const char* file : files) {
         SCOPED_TRACE(file);
-        std::vector<CpuDump> captured = cpuidtest::readDumpFile(fixtureDir() + "/" + file);
+        std::vector<CpuDump> captured = cpuidtest::readDumpFile(dir + "/" + file);
         ASSERT_FALSE(captured.empty());
         std::string log;
         for (size_t i = 0; i < captured.size(); ++i) {

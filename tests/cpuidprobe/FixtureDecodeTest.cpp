@@ -8,6 +8,7 @@
 
 #include "cpuidprobe/DumpReader.h"
 #include "probes/cpuid/Decoder.h"
+#include "support/Fixtures.h"
 
 namespace {
 
@@ -53,16 +54,13 @@ const Truth kTruth[] = {
 };
 // clang-format on
 
-std::string fixtureDir() { return std::string(INVSCAN_FIXTURES_DIR) + "/cpuid"; }
-
 TEST(CpuidFixtures, EveryCaptureDecodesToItsKnownTopologyAndIdentity)
 {
-    struct stat st {};
-    if (stat(fixtureDir().c_str(), &st) != 0) GTEST_SKIP() << "no CPUID captures at " << fixtureDir();
+    REQUIRE_FIXTURES(dir, "cpuid");
 
     for (const Truth& t : kTruth) {
         SCOPED_TRACE(t.file);
-        std::vector<cpuid::CpuDump> cpus = cpuidtest::readDumpFile(fixtureDir() + "/" + t.file);
+        std::vector<cpuid::CpuDump> cpus = cpuidtest::readDumpFile(dir + "/" + t.file);
         ASSERT_EQ(static_cast<int>(cpus.size()), t.logical) << "sections read from the capture";
 
         cpuid::Decoded d = cpuid::decode(cpus);

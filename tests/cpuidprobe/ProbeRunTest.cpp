@@ -14,6 +14,8 @@
 #include "common/vartree/vtexec.h"
 #include "cpuidprobe/DumpReader.h"
 #include "probes/cpuid/Decoder.h"
+#include "support/Machine.h"
+#include "support/TempDir.h"
 
 namespace {
 
@@ -118,15 +120,10 @@ TEST_F(CpuidProbeRun, AgreesWithTheKernelsProcessorList)
 // the same machine.
 TEST_F(CpuidProbeRun, DebugModeLogsRegistersThatDecodeToTheSameTree)
 {
-    char logPath[] = "/tmp/cpuidprobe-log-XXXXXX";
-    int fd = mkstemp(logPath);
-    ASSERT_GE(fd, 0);
-    close(fd);
-    ProbeOutput debug = runProbe(std::string("-d 2>'") + logPath + "'");
-    std::ifstream in(logPath);
-    std::stringstream log;
-    log << in.rdbuf();
-    std::remove(logPath);
+    testsupport::TempDir dir;
+    const std::string logPath = dir.path() + "/log";
+    ProbeOutput debug = runProbe("-d 2>'" + logPath + "'");
+    std::stringstream log(testsupport::readFile(logPath));
 
     ASSERT_EQ(debug.status, 0);
     std::unique_ptr<VtExecInfo> again = parse(debug.out);

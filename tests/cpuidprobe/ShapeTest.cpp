@@ -8,22 +8,15 @@
 #include "common/vartree/vtexec.h"
 #include "cpuidprobe/DumpReader.h"
 #include "probes/cpuid/Shape.h"
+#include "support/Fixtures.h"
 #include "support/StreamCapture.h"
 
 namespace {
 
-std::string fixtureDir() { return std::string(INVSCAN_FIXTURES_DIR) + "/cpuid"; }
-
-bool haveFixtures()
-{
-    struct stat st {};
-    return stat(fixtureDir().c_str(), &st) == 0;
-}
-
-cpuid::Machine machineFrom(const std::string& file, int clockMHz)
+cpuid::Machine machineFrom(const std::string& dir, const std::string& file, int clockMHz)
 {
     cpuid::Machine m;
-    std::vector<cpuid::CpuDump> dumps = cpuidtest::readDumpFile(fixtureDir() + "/" + file);
+    std::vector<cpuid::CpuDump> dumps = cpuidtest::readDumpFile(dir + "/" + file);
     for (size_t i = 0; i < dumps.size(); ++i) {
         cpuid::LogicalProcessor lp;
         lp.osId = static_cast<int>(i);
@@ -46,8 +39,8 @@ cpuid::Decoded decodeMachine(const cpuid::Machine& m)
 // one core, 64-bit, 2 MB L2 from leaf 4.
 TEST(CpuidTree, PrintsThePrescottCaptureExactly)
 {
-    if (!haveFixtures()) GTEST_SKIP() << "no CPUID captures at " << fixtureDir();
-    cpuid::Machine m = machineFrom("InstLatx64__GenuineIntel0000F43_P4_Prescott_CPUID.txt", 3200);
+    REQUIRE_FIXTURES(dir, "cpuid");
+    cpuid::Machine m = machineFrom(dir, "InstLatx64__GenuineIntel0000F43_P4_Prescott_CPUID.txt", 3200);
     m.osArch = "amd64";
     m.osKernelMode = "64-bit";
     std::unique_ptr<VtNode> root(cpuid::buildTree(m, decodeMachine(m)));
@@ -110,7 +103,7 @@ std::unique_ptr<VtExecInfo> readBack(const VtNode* root)
 
 TEST(CpuidTree, ReadsBackPerPackageAndWithTheHypervisorWhenAnnounced)
 {
-    if (!haveFixtures()) GTEST_SKIP() << "no CPUID captures at " << fixtureDir();
+    REQUIRE_FIXTURES(dir, "cpuid");
     struct Case {
         const char* file;
         int packages;
@@ -127,7 +120,7 @@ TEST(CpuidTree, ReadsBackPerPackageAndWithTheHypervisorWhenAnnounced)
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.file);
-        cpuid::Machine m = machineFrom(c.file, 2000);
+        cpuid::Machine m = machineFrom(dir, c.file, 2000);
         std::unique_ptr<VtNode> root(cpuid::buildTree(m, decodeMachine(m)));
         std::unique_ptr<VtExecInfo> info = readBack(root.get());
         ASSERT_TRUE(info && info->root);

@@ -102,18 +102,4 @@ TEST(Group, ExtraTablesBoundsAndMobility)
     EXPECT_EQ(group.getMobilityFlag(), 1);
 }
 
-TEST(Group, AttributeListsFirstEqualKeyWins)
-{
-    NullGroup group;
-    EXPECT_EQ(group.getGlobalAttr(L"Vendor"), nullptr);  // no list attached
-    const AttrList global{{String("Vendor"), String("first")}, {String("Vendor"), String("second")}};
-    const AttrList mine{{String("Timeout"), String("30")}};
-    group.setGlobalAttrList(&global);
-    group.setGroupAttrList(&mine);
-    EXPECT_STREQ(group.getGlobalAttr(L"Vendor"), L"first");
-    EXPECT_EQ(group.getGlobalAttr(L"vendor"), nullptr);
-    EXPECT_STREQ(group.getGroupAttr(L"Timeout"), L"30");
-    EXPECT_EQ(group.getGroupAttr(L"Vendor"), nullptr);
-}
-
 }  // namespace

@@ -8,25 +8,10 @@
 
 #include "framework/NimCfg.h"
 #include "framework/Trace.h"
+#include "support/Machine.h"
+#include "support/TempDir.h"
 
 namespace {
-
-class TempFile {
-public:
-    explicit TempFile(const std::string& content)
-    {
-        char name[] = "/tmp/invscan-test-XXXXXX";
-        const int fd = mkstemp(name);
-        if (fd >= 0) close(fd);
-        m_path = name;
-        std::ofstream(m_path) << content;
-    }
-    ~TempFile() { std::remove(m_path.c_str()); }
-    const std::string& path() const { return m_path; }
-
-private:
-    std::string m_path;
-};
 
 class NimCfgTest : public ::testing::Test {
 protected:
@@ -44,10 +29,11 @@ TEST_F(NimCfgTest, MissingKeyIsEmpty)
 
 TEST_F(NimCfgTest, LoadsFileWithCommentsBlanksAndSpacing)
 {
-    TempFile file("# comment\n\n  config_dir =  /etc/inv  \nhwscanner.timeout=30\r\n"
-                  "empty=\nurl = a=b\nconfig_dir=/later\n");
+    testsupport::TempDir dir;
+    const std::string file = dir.write("a.cfg", "# comment\n\n  config_dir =  /etc/inv  \nhwscanner.timeout=30\r\n"
+                                                "empty=\nurl = a=b\nconfig_dir=/later");  // no final line end
     std::string error;
-    ASSERT_TRUE(NimCfg::loadFile(file.path(), &error)) << error;
+    ASSERT_TRUE(NimCfg::loadFile(file, &error)) << error;
     EXPECT_EQ(NimCfg::getKey("config_dir").narrow(), "/later");
     EXPECT_EQ(NimCfg::getKey("hwscanner.timeout").narrow(), "30");
     EXPECT_TRUE(NimCfg::hasKey("empty"));
@@ -60,8 +46,13 @@ TEST_F(NimCfgTest, BadFilesSayWhy)
     EXPECT_FALSE(NimCfg::loadFile("/nonexistent/invscan.cfg", &error));
     EXPECT_NE(error.find("cannot open"), std::string::npos);
 
-    TempFile bad("good=1\nno equals here\nlater=2\n");
-    EXPECT_FALSE(NimCfg::loadFile(bad.path(), &error));
+    testsupport::TempDir dir;
+    EXPECT_FALSE(NimCfg::loadFile(dir.write("long.cfg", "k=" + std::string(5000, 'x') + "\n"), &error));
+    EXPECT_NE(error.find("longer than 4096"), std::string::npos) << error;
+    EXPECT_FALSE(NimCfg::loadFile(dir.write("big.cfg", std::string(2 * 1024 * 1024, '\n')), &error));
+    EXPECT_NE(error.find("larger than"), std::string::npos) << error;
+
+    EXPECT_FALSE(NimCfg::loadFile(dir.write("bad.cfg", "good=1\nno equals here\nlater=2\n"), &error));
     EXPECT_NE(error.find(":2:"), std::string::npos) << error;
     EXPECT_EQ(NimCfg::getKey("good").narrow(), "1");
     EXPECT_FALSE(NimCfg::hasKey("later"));
@@ -73,10 +64,24 @@ TEST_F(NimCfgTest, BadFilesSayWhy)
 
 TEST_F(NimCfgTest, TraceLevelAndFileComeFromConfiguration)
 {
-    TempFile sinkFile("");
+    testsupport::TempDir dir;
+    const std::string sinkFile = dir.path() + "/trace.log";
+    NimCfg::setKey("trace.file", String(sinkFile));
+    EXPECT_TRUE(trace::configure());
+    EXPECT_NE(access(sinkFile.c_str(), F_OK), 0);  // tracing is off: no file is made
+
+    // A link planted where the trace file goes is refused, not followed.
+    const std::string victim = dir.write("victim", "keep\n");
+    ASSERT_EQ(symlink(victim.c_str(), (dir.path() + "/link.log").c_str()), 0);
+    NimCfg::setKey("trace.level", "min");
+    NimCfg::setKey("trace.file", String(dir.path() + "/link.log"));
+    EXPECT_FALSE(trace::configure());
+    CcLogWrapper::traceMIN(getCcLogHw(), 1, "./../../../src/x", "fn", "hardware to standard error");
+    EXPECT_EQ(testsupport::readFile(victim), "keep\n");
+
     NimCfg::setKey("trace.level", "mid");
-    NimCfg::setKey("trace.file", String(sinkFile.path()));
-    trace::configure();
+    NimCfg::setKey("trace.file", String(sinkFile));
+    EXPECT_TRUE(trace::configure());
     EXPECT_EQ(trace::level(), trace::Level::Mid);
     CcLogWrapper::traceMID(getCcLogHw(), 7, "./../../../src/x", "fn", "hardware value=%d", 5);
     CcLogWrapper::traceMAX(getCcLogHw(), 8, "./../../../src/x", "fn", "hardware not written");
@@ -85,12 +90,9 @@ TEST_F(NimCfgTest, TraceLevelAndFileComeFromConfiguration)
     trace::configure();  // back to off, standard error
     EXPECT_EQ(trace::level(), trace::Level::Off);
 
-    std::ifstream in(sinkFile.path());
-    std::stringstream content;
-    content << in.rdbuf();
-    EXPECT_NE(content.str().find(" MID ./../../../src/x(7) fn: hardware value=5\n"), std::string::npos)
-        << content.str();
-    EXPECT_EQ(content.str().find("not written"), std::string::npos);
+    const std::string content = testsupport::readFile(sinkFile);
+    EXPECT_NE(content.find(" MID ./../../../src/x(7) fn: hardware value=5\n"), std::string::npos) << content;
+    EXPECT_EQ(content.find("not written"), std::string::npos);
 }
 
 TEST(TraceLevels, Parse)

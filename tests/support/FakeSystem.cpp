@@ -13,11 +13,6 @@ namespace testsupport {
 
 namespace {
 
-struct FakeDir : sys::Dir {
-    std::vector<std::string> names;
-    size_t next = 0;
-};
-
 struct FakeChain {
     kstat_ctl_t ctl;  // first: callers hold a pointer to it
     std::vector<kstat_t> records;
@@ -33,15 +28,7 @@ long copyOut(const std::string& value, char* buf, long count)
     return static_cast<long>(value.size()) + 1;
 }
 
-// Library handles are the address of the library's entry in the map.
-using Symbols = std::map<std::string, void*>;
-
 }  // namespace
-
-FakeSystem::~FakeSystem()
-{
-    for (auto& s : m_streams) std::fclose(s.first);
-}
 
 void FakeSystem::addCpuStat(int instance, uint_t idle, uint_t user, uint_t kernel, uint_t wait)
 {
@@ -191,29 +178,15 @@ int FakeSystem::p_online(processorid_t cpu, int)
     return it->second;
 }
 
-sys::Dir* FakeSystem::opendir(const char* path)
+// What the fake does not model yet fails as on a machine without it.
+sys::Dir* FakeSystem::opendir(const char*)
 {
-    auto it = directories.find(path ? path : "");
-    if (it == directories.end()) {
-        errno = ENOENT;
-        return nullptr;
-    }
-    auto* d = new FakeDir;
-    d->names = it->second;
-    return d;
+    errno = ENOENT;
+    return nullptr;
 }
 
-const char* FakeSystem::readdir(sys::Dir* dir)
-{
-    auto* d = static_cast<FakeDir*>(dir);
-    return d && d->next < d->names.size() ? d->names[d->next++].c_str() : nullptr;
-}
-
-int FakeSystem::closedir(sys::Dir* dir)
-{
-    delete dir;
-    return 0;
-}
+const char* FakeSystem::readdir(sys::Dir*) { return nullptr; }
+int FakeSystem::closedir(sys::Dir*) { return -1; }
 
 int FakeSystem::open(const char* path, int)
 {
@@ -227,7 +200,7 @@ int FakeSystem::open(const char* path, int)
         return -1;
     }
     const int fd = m_nextFd++;
-    m_open[fd] = OpenFile{it->first, 0};
+    m_open[fd] = it->first;
     return fd;
 }
 
@@ -247,7 +220,7 @@ int FakeSystem::ioctl(int fd, int request, void* arg)
         errno = EBADF;
         return -1;
     }
-    const Device& device = devices[it->second.path];
+    const Device& device = devices[it->second];
     if (!device.ioctl) {
         errno = ENOTTY;
         return -1;
@@ -255,107 +228,39 @@ int FakeSystem::ioctl(int fd, int request, void* arg)
     return device.ioctl(request, arg);
 }
 
-ssize_t FakeSystem::read(int fd, void* buf, size_t count)
+ssize_t FakeSystem::read(int, void*, size_t)
 {
-    auto it = m_open.find(fd);
-    if (it == m_open.end()) {
-        errno = EBADF;
-        return -1;
-    }
-    const std::string& contents = devices[it->second.path].contents;
-    const long long at = it->second.offset;
-    if (at >= static_cast<long long>(contents.size())) return 0;
-    const size_t n = std::min(count, contents.size() - static_cast<size_t>(at));
-    std::memcpy(buf, contents.data() + at, n);
-    it->second.offset += static_cast<long long>(n);
-    return static_cast<ssize_t>(n);
+    errno = EINVAL;
+    return -1;
 }
 
-long long FakeSystem::lseek(int fd, long long offset, int whence)
+long long FakeSystem::lseek(int, long long, int)
 {
-    auto it = m_open.find(fd);
-    if (it == m_open.end() || whence != SEEK_SET || offset < 0) {
-        errno = it == m_open.end() ? EBADF : EINVAL;
-        return -1;
-    }
-    return it->second.offset = offset;
+    errno = EINVAL;
+    return -1;
 }
 
-void* FakeSystem::mmap(size_t length, int fd, long long offset)
+void* FakeSystem::mmap(size_t, int, long long)
 {
-    auto it = m_open.find(fd);
-    if (it == m_open.end()) {
-        errno = EBADF;
-        return MAP_FAILED;
-    }
-    const std::string& contents = devices[it->second.path].contents;
-    if (offset < 0 || static_cast<size_t>(offset) + length > contents.size()) {
-        errno = ENXIO;
-        return MAP_FAILED;
-    }
-    // A private copy, so a caller writing to it would be caught by ASan.
-    auto* copy = new char[length ? length : 1];
-    std::memcpy(copy, contents.data() + offset, length);
-    return copy;
+    errno = ENODEV;
+    return MAP_FAILED;
 }
 
-int FakeSystem::munmap(void* addr, size_t)
+int FakeSystem::munmap(void*, size_t) { return -1; }
+void* FakeSystem::dlopen(const char*, int) { return nullptr; }
+void* FakeSystem::dlsym(void*, const char*) { return nullptr; }
+int FakeSystem::dlclose(void*) { return -1; }
+
+FILE* FakeSystem::popen(const char*, const char*)
 {
-    delete[] static_cast<char*>(addr);
-    return 0;
+    errno = ENOENT;
+    return nullptr;
 }
 
-void* FakeSystem::dlopen(const char* path, int)
+int FakeSystem::pclose(FILE*)
 {
-    auto it = libraries.find(path ? path : "");
-    if (it == libraries.end()) return nullptr;
-    ++m_openLibraries;
-    return &it->second;
-}
-
-void* FakeSystem::dlsym(void* handle, const char* symbol)
-{
-    auto* symbols = static_cast<Symbols*>(handle);
-    if (!symbols) return nullptr;
-    auto it = symbols->find(symbol ? symbol : "");
-    return it == symbols->end() ? nullptr : it->second;
-}
-
-int FakeSystem::dlclose(void* handle)
-{
-    if (!handle) return -1;
-    --m_openLibraries;
-    return 0;
-}
-
-FILE* FakeSystem::popen(const char* command, const char* mode)
-{
-    commandsRun.push_back(command ? command : "");
-    auto it = commands.find(command ? command : "");
-    if (it == commands.end() || it->second.fails || !mode || mode[0] != 'r') {
-        errno = ENOENT;
-        return nullptr;
-    }
-    // A real stream over a private temporary file: fgets, fileno and fclose work.
-    FILE* f = std::tmpfile();
-    if (!f) return nullptr;
-    std::fwrite(it->second.output.data(), 1, it->second.output.size(), f);
-    std::rewind(f);
-    m_streams[f] = it->second.status;
-    return f;
-}
-
-int FakeSystem::pclose(FILE* stream)
-{
-    auto it = m_streams.find(stream);
-    if (it == m_streams.end()) {
-        errno = ECHILD;
-        return -1;
-    }
-    const int status = it->second;
-    std::fclose(stream);
-    m_streams.erase(it);
-    return status << 8;  // as wait(2) encodes an exit status
+    errno = ECHILD;
+    return -1;
 }
 
 int FakeSystem::runCommand(const std::vector<std::string>& argv, int timeoutSeconds, std::vector<std::string>& lines)
@@ -364,7 +269,6 @@ int FakeSystem::runCommand(const std::vector<std::string>& argv, int timeoutSeco
     lastTimeout = timeoutSeconds;
     std::string joined;
     for (const std::string& a : argv) joined += (joined.empty() ? "" : " ") + a;
-    commandsRun.push_back(joined);
     auto it = commands.find(joined);
     if (it == commands.end() || it->second.fails) {
         errno = ENOENT;

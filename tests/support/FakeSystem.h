@@ -56,32 +56,22 @@ public:
     std::vector<processorid_t> psetCpus;
     std::map<processorid_t, int> processorStates;  // absent: -1, EINVAL
 
-    // devices
-    std::map<std::string, std::vector<std::string>> directories;
+    // devices that can be opened and controlled; directories, reads,
+    // mappings, run-time libraries and popen are not modelled yet and fail
     struct Device {
         int openErrno = 0;  // non-zero: open fails with it
-        std::string contents;  // what read and mmap see
         std::function<int(int request, void* arg)> ioctl;  // empty: ENOTTY
     };
     std::map<std::string, Device> devices;
-    int openDescriptors() const { return static_cast<int>(m_open.size()); }
 
-    // run-time libraries: path -> symbol -> address
-    std::map<std::string, std::map<std::string, void*>> libraries;
-    int openLibraries() const { return m_openLibraries; }
-
-    // commands: popen by command text, runCommand by arguments joined with blanks
+    // commands run through runCommand, by their arguments joined with blanks
     struct Command {
         std::string output;
         int status = 0;
-        bool fails = false;  // popen or the start fails
+        bool fails = false;  // the start fails
     };
     std::map<std::string, Command> commands;
-    std::vector<std::string> commandsRun;
     int lastTimeout = -1;  // what the last runCommand was given
-    int openStreams() const { return static_cast<int>(m_streams.size()); }
-
-    ~FakeSystem() override;
 
     long sysinfo(int command, char* buf, long count) override;
     long gethostid() override { return hostid; }
@@ -113,15 +103,9 @@ public:
     int runCommand(const std::vector<std::string>& argv, int timeoutSeconds, std::vector<std::string>& lines) override;
 
 private:
-    struct OpenFile {
-        std::string path;
-        long long offset = 0;
-    };
-    std::map<int, OpenFile> m_open;
+    std::map<int, std::string> m_open;  // descriptor -> device path
     int m_nextFd = 1000;
     int m_openKstat = 0;
-    int m_openLibraries = 0;
-    std::map<FILE*, int> m_streams;  // stream -> status to report
 };
 
 // Makes `fake` the current system for a scope.

@@ -184,6 +184,17 @@ TEST(PlatformSystem, RunCommandLinesStatusAndLimits)
         EXPECT_EQ(errno, ETIMEDOUT) << script;
     }
     EXPECT_FALSE(testsupport::hasZombieChild());
+
+    // popen runs through the shell, and like every child in the C locale.
+    testsupport::ScopedEnv japanese("LC_ALL", "ja_JP.UTF-8");
+    FILE* shell = os.popen("echo $LC_ALL; exit 2", "r");
+    ASSERT_NE(shell, nullptr);
+    char line[16] = {};
+    EXPECT_NE(std::fgets(line, sizeof line, shell), nullptr);
+    EXPECT_STREQ(line, "C\n");
+    EXPECT_EQ(os.pclose(shell), 2 << 8);
+    EXPECT_EQ(os.pclose(shell), -1);  // not ours any more
+    EXPECT_FALSE(testsupport::hasZombieChild());
 }
 
 }  // namespace
