@@ -1,5 +1,6 @@
 #include <cstdio>
 
+#include "BuildStampValues.h"  // generated when the build tree is configured
 #include "invscan/com/GroupFactory.h"
 
 const char QVRB_BuildDate[] = QVRB_BUILD_DATE;
