@@ -224,7 +224,6 @@ void GroupFactory::applySettings(const Node* settings, int priority)
     int hLog = getCcLogHw();
     long niceValue = priority > 0 ? priority : 0;
     long threshold = 0;
-    m_priority = String(std::to_string(niceValue));
     m_cpuThreshold = String("0");
 
     auto adoptPriority = [&](const String& value) {
@@ -236,7 +235,6 @@ void GroupFactory::applySettings(const Node* settings, int priority)
             return;
         }
         niceValue = parsed;
-        m_priority = value;
         CcLogWrapper::traceMID(hLog, __LINE__, SOURCE, "loadNodeFromFile", "New priority is %s",
                                text(value).c_str());
     };

@@ -52,7 +52,6 @@ public:
     // The file the last successful load read (empty after a failed one).
     const std::list<String>& getLoadedFiles() const { return m_loadedFiles; }
     // Settings in force after the last load (texts as read).
-    const String& getPriorityText() const { return m_priority; }
     const String& getCpuThresholdText() const { return m_cpuThreshold; }
 
 private:
@@ -68,7 +67,6 @@ private:
     std::list<String> m_loadedFiles;
     AttrList m_globalAttrs;
     std::map<String, AttrList> m_groupAttrs;
-    String m_priority;
     String m_cpuThreshold;
 };
 

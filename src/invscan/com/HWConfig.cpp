@@ -100,27 +100,17 @@ bool HWParseNodeSink::onEndNode(Node& node)
 
 void HWParseNodeSink::onWarning(const String& message, int line)
 {
-    ++m_warnings;
     configTrace("onWarning") << "Message is " << message << " at line " << line;
 }
 
 void HWParseNodeSink::onError(const String& message, int line)
 {
-    ++m_errors;
     configTrace("onError", trace::Level::Min) << "Message is " << message << " at line " << line;
 }
 
 void HWParseNodeSink::onCriticalError(const String& message, int line)
 {
-    ++m_errors;
     configTrace("onCriticalError", trace::Level::Min) << "Message is " << message << " at line " << line;
-}
-
-void HWParseNodeSink::clear()
-{
-    m_processors.clear();
-    m_qcms.clear();
-    m_warnings = m_errors = 0;
 }
 
 HWXmlNimParser::HWXmlNimParser(HWParseNodeSink& sink) : XmlNimParser(sink)

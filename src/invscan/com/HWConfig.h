@@ -50,15 +50,10 @@ public:
     // into the parser's tree and live as long as it does.
     const std::vector<Node*>& getProcessorNodes() const { return m_processors; }
     const std::vector<Node*>& getQCMNodes() const { return m_qcms; }
-    int getWarningCount() const { return m_warnings; }
-    int getErrorCount() const { return m_errors; }
-    void clear();
 
 private:
     std::vector<Node*> m_processors;
     std::vector<Node*> m_qcms;
-    int m_warnings = 0;
-    int m_errors = 0;
 };
 
 // The configuration file is small: a megabyte is far beyond any real one.
