@@ -162,25 +162,6 @@ TEST(CatalogueConsistency, WholeCatalogue)
     }
     EXPECT_STREQ(PROCESSOR_FAMILY_ENUM_DEF[35].text, "Alpah 21064");
 
-    const struct {
-        const korAttribDef* table;
-        size_t count;
-    } dataOnly[] = {
-        {LDOMS_ATTRS_DEF, 9}, {CPU_WIN_METER_ATTRS_DEF, 6}, {SCREEN_SAVER_INFO_ATTRS_DEF, 4},
-        {USER_ACCOUNT_INFO_ATTRS_DEF, 9}, {SERVICE_INFO_ATTRS_DEF, 10}, {MONITOR_ATTRS_DEF, 17},
-        {MODEM_ATTRS_DEF, 12}, {USB_DEVICE_ATTRS_DEF, 17}, {INSTALLED_PATCH_ATTRS_DEF, 8},
-        {VRX_CLUSTER_NODE_ATTRS_DEF, 4}, {VRX_CLUSTER_ATTRS_DEF, 2}, {WIN_CLUSTER_NODE_ATTRS_DEF, 5},
-        {WIN_CLUSTER_ATTRS_DEF, 5}, {INSTALLED_PKGS_ATTRS_DEF, 6}, {SMBIOS_ATTRS_DEF, 23},
-        {PARALLEL_PORT_ATTRS_DEF, 2}, {SERIAL_PORT_ATTRS_DEF, 2}, {LAST_USER_ATTRS_DEF, 4},
-        {PC_PAR_ATTRS_DEF, 5}, {ENCLOSURE_ATTRS_DEF, 10}, {PRINTER_ATTRS_DEF, 12}, {VIDEO_ATTRS_DEF, 12},
-        {IPX_ADDR_ATTRS_DEF, 6}, {LOG_DRIVE_ATTRS_DEF, 6}, {POINT_DEV_ATTRS_DEF, 8}, {DSK_PART_ATTRS_DEF, 6},
-        {OPER_SYS_CSIDL_ATTRS_DEF, 7}, {MEMORY_MODULES_ATTRS_DEF, 6},
-    };
-    for (const auto& t : dataOnly) EXPECT_EQ(rows(t.table), t.count) << t.table[0].name;
-    const uint32_t* twoIdKeys[] = {USER_ACCOUNT_INFO_KEYS_DEF, MONITOR_KEYS_DEF, INSTALLED_PATCH_KEYS_DEF,
-                                   MODEM_KEYS_DEF, POINT_DEV_KEYS_DEF, PRINTER_KEYS_DEF, VIDEO_KEYS_DEF,
-                                   USB_DEVICE_KEYS_DEF};
-    for (const uint32_t* k : twoIdKeys) EXPECT_NE(k[0], k[1]);
 }
 
 }  // namespace

@@ -25,14 +25,6 @@ struct Result {
     std::string err;
 };
 
-std::string slurp(const std::string& path)
-{
-    std::ifstream in(path, std::ios::binary);
-    std::ostringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
-
 std::string quote(const std::string& word)
 {
     std::string out = "'";
@@ -57,17 +49,12 @@ protected:
         Result result;
         const int status = std::system(command.c_str());
         result.code = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-        result.out = slurp(m_dir + "/out");
-        result.err = slurp(m_dir + "/err");
+        result.out = testsupport::readFile(m_dir + "/out");
+        result.err = testsupport::readFile(m_dir + "/err");
         return result;
     }
 
-    std::string write(const std::string& name, const std::string& content)
-    {
-        const std::string path = m_dir + "/" + name;
-        std::ofstream(path) << content;
-        return path;
-    }
+    std::string write(const std::string& name, const std::string& content) { return m_temp.write(name, content); }
 
     std::string m_program;
     testsupport::TempDir m_temp;
@@ -226,7 +213,7 @@ TEST_F(Cli, ConfigurationFileSetAndTraceOptionsReachTheLibrary)
     const Result r =
         run({"--config", cfg, "--trace-file", traceFile, "--hwconfig", hw, "scan", "--set", "trace.level=max", "Memory"});
     ASSERT_EQ(r.code, 0) << r.err;
-    const std::string trace = slurp(traceFile);
+    const std::string trace = testsupport::readFile(traceFile);
     EXPECT_NE(trace.find("hardware groupName=Memory"), std::string::npos) << trace;
     EXPECT_NE(trace.find("hardware get global attribute site=lab"), std::string::npos);
     EXPECT_NE(trace.find("New cpuThreshold is 90"), std::string::npos);
@@ -237,12 +224,11 @@ TEST_F(Cli, ConfigurationFileSetAndTraceOptionsReachTheLibrary)
 TEST_F(Cli, TheDefaultHardwareConfigurationComesFromConfigDir)
 {
     const std::string dir = m_dir + "/etc";
-    ASSERT_EQ(system(("mkdir -p " + quote(dir)).c_str()), 0);
     write("etc/NimHWConfig.xml", "<NimHWConfig><Hardware from=\"configdir\"/></NimHWConfig>");
     const std::string traceFile = m_dir + "/trace.log";
     const Result r = run({"--set", "config_dir=" + dir, "--trace", "max", "--trace-file", traceFile, "scan", "3"});
     ASSERT_EQ(r.code, 0) << r.err;
-    EXPECT_NE(slurp(traceFile).find("hardware get global attribute from=configdir"), std::string::npos);
+    EXPECT_NE(testsupport::readFile(traceFile).find("hardware get global attribute from=configdir"), std::string::npos);
 }
 
 TEST_F(Cli, ABadDefaultHardwareConfigurationDoesNotStopTheScan)
@@ -250,7 +236,7 @@ TEST_F(Cli, ABadDefaultHardwareConfigurationDoesNotStopTheScan)
     const std::string traceFile = m_dir + "/trace.log";
     const Result r = run({"--set", "config_dir=/nonexistent", "--trace", "min", "--trace-file", traceFile, "scan", "3"});
     EXPECT_EQ(r.code, 0) << r.err;
-    EXPECT_NE(slurp(traceFile).find("hardware ERROR! Failed to open file /nonexistent/NimHWConfig.xml for reading"),
+    EXPECT_NE(testsupport::readFile(traceFile).find("hardware ERROR! Failed to open file /nonexistent/NimHWConfig.xml for reading"),
               std::string::npos);
 }
 
@@ -275,9 +261,7 @@ namespace {
 TEST_F(Cli, ProbeRunsANamedProgramUnderTheHomeFolder)
 {
     // A scripted probe in a home folder of our own.
-    ASSERT_EQ(std::system(("mkdir -p " + quote(m_dir + "/home/bin")).c_str()), 0);
-    const std::string script = write("home/bin/fake", "#!/bin/sh\necho '1.0 0 ready'\necho '(Box'\necho 'n:i=7'\necho ')'\n");
-    ASSERT_EQ(chmod(script.c_str(), 0755), 0);
+    m_temp.script("home/bin/fake", "echo '1.0 0 ready'\necho '(Box'\necho 'n:i=7'\necho ')'\n");
     const std::string home = "NIM_HOMEDIR=" + quote(m_dir + "/home");
 
     Result r = run({"probe", "fake"}, home);
@@ -286,8 +270,7 @@ TEST_F(Cli, ProbeRunsANamedProgramUnderTheHomeFolder)
     EXPECT_NE(r.out.find("(Box"), std::string::npos);
     EXPECT_NE(r.out.find("n:i=7"), std::string::npos);
 
-    write("home/bin/broken", "#!/bin/sh\necho 'not a header'\n");
-    ASSERT_EQ(chmod((m_dir + "/home/bin/broken").c_str(), 0755), 0);
+    m_temp.script("home/bin/broken", "echo 'not a header'\n");
     r = run({"probe", "broken"}, home);
     EXPECT_EQ(r.code, 1);
     EXPECT_NE(r.err.find("could not execute 'broken'"), std::string::npos) << r.err;

@@ -154,22 +154,17 @@ struct BadFile {
 
 TEST_F(HWConfigLoad, BadFilesTraceTheParseFailureAndLeaveEmptyLists)
 {
-    std::string large = "<NimHWConfig><!-- ";
-    large += std::string(HWXmlNimParser::HW_MAX_BYTES, 'x');
-    large += " --></NimHWConfig>";
+    // What the XML reader refuses is its own tests' business; these are the
+    // shapes only a hardware configuration file must have.
     const std::vector<BadFile> cases = {
-        {"empty", ""},
-        {"not XML", "site=lab\nowner=ops\n"},
-        {"truncated", std::string(GOOD).substr(0, 200)},
         {"unexpected element", "<NimHWConfig><Hardware a=\"1\"/><Disk/></NimHWConfig>"},
         {"element inside Hardware", "<NimHWConfig><Hardware a=\"1\"><x/></Hardware></NimHWConfig>"},
         {"wrong element in Processors", "<NimHWConfig><Processors><QCM/></Processors></NimHWConfig>"},
         {"wrong root", "<Config><Hardware a=\"1\"/></Config>"},
         {"Group without Name", "<NimHWConfig><Group a=\"1\"/></NimHWConfig>"},
-        {"entity expansion", "<!DOCTYPE NimHWConfig [<!ENTITY e \"x\">]><NimHWConfig><Hardware a=\"&e;\"/>"
-                             "</NimHWConfig>"},
-        {"very large", large},
-        {"binary", std::string("\x00\x01\xff\xfe<NimHWConfig/>", 18)},
+        {"not XML", "site=lab\nowner=ops\n"},
+        {"past its own size bound", "<NimHWConfig><!-- " + std::string(HWXmlNimParser::HW_MAX_BYTES, 'x') + " -->"
+                                    "</NimHWConfig>"},
     };
     for (const BadFile& bad : cases) {
         SCOPED_TRACE(bad.what);

@@ -14,7 +14,6 @@
 #include "common/vartree/vtexec.h"
 #include "cpuidprobe/DumpReader.h"
 #include "probes/cpuid/Decoder.h"
-#include "support/Machine.h"
 #include "support/TempDir.h"
 
 namespace {

@@ -50,14 +50,6 @@ TEST(Conversions, StringToKorStringPacksBackToBack)
     EXPECT_EQ(StringToKorString("abcdef", first, 16, nullptr, nullptr), 8u);
 }
 
-TEST(Conversions, TypeNames)
-{
-    EXPECT_STREQ(getKorAttribTypeAsString(1), "KOR_UCHAR");
-    EXPECT_STREQ(getKorAttribTypeAsString(12), "KOR_WIDESTRING");
-    EXPECT_STREQ(getKorAttribTypeAsString(0), "Undefined Attrib Type");
-    EXPECT_STREQ(getKorAttribTypeAsString(13), "Undefined Attrib Type");
-}
-
 TEST(Conversions, DmtfEscape)
 {
     wchar_t text[] = L"a\"\tb\\";

@@ -8,7 +8,6 @@
 
 #include "framework/NimCfg.h"
 #include "framework/Trace.h"
-#include "support/Machine.h"
 #include "support/TempDir.h"
 
 namespace {

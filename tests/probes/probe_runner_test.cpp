@@ -12,7 +12,6 @@
 #include "framework/NimCfg.h"
 #include "framework/Trace.h"
 #include "invscan/com/probeVT.h"
-#include "support/Machine.h"
 #include "support/StreamCapture.h"
 #include "support/TempDir.h"
 

@@ -1,4 +1,5 @@
 #include "support/Machine.h"
+#include "support/TempDir.h"
 
 #include <dirent.h>
 #include <unistd.h>
@@ -75,14 +76,6 @@ bool readLine(const std::string& text, FakeSystem& os)
     return true;
 }
 }  // namespace
-
-std::string readFile(const std::string& path)
-{
-    std::ifstream in(path, std::ios::binary);
-    std::ostringstream out;
-    out << in.rdbuf();
-    return out.str();
-}
 
 bool loadMachine(const std::string& dir, FakeSystem& os, std::string& error)
 {

@@ -17,7 +17,4 @@ bool loadMachine(const std::string& dir, FakeSystem& os, std::string& error);
 std::vector<std::string> machineNames();
 std::string machineDir(const std::string& name);
 
-// The whole text of a file; empty when it cannot be read.
-std::string readFile(const std::string& path);
-
 }  // namespace testsupport

@@ -35,6 +35,9 @@ private:
     bool m_had;
 };
 
+// The whole text of a file; empty when it cannot be read.
+std::string readFile(const std::string& path);
+
 // Open descriptors of this process.
 int openDescriptorCount();
 // True when this process has a child that has ended but was not reaped.
