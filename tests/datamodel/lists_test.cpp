@@ -62,23 +62,6 @@ TEST(Table, NamesIdsAndTimestamp)
     EXPECT_STREQ(KorTable(emptyDefs, 2, 1).getGroupName(), "Unknown");
 }
 
-TEST(Table, OwnsThousandsOfRows)
-{
-    // Run under ASan/valgrind: every row, attribute and block is freed.
-    auto* table = new KorTable(2, 1);
-    for (unsigned r = 0; r < 20000; ++r) {
-        auto* row = new KorTableRow;
-        std::string text = " row " + std::to_string(r) + " ";
-        row->addAttrib(new KorTableAttrib(1, r));
-        row->addAttrib(new KorTableAttrib(2, text));
-        row->addAttrib(new KorTableAttrib(3, L"wide"));
-        row->addAttrib(nullptr);
-        table->addRow(row);
-    }
-    EXPECT_EQ(table->getRowCount(), 20000u);
-    delete table;
-}
-
 class NullGroup : public KorGroup {
 public:
     NullGroup() : KorGroup(3, 1) {}

@@ -196,7 +196,6 @@ TEST_F(ProbeRunner, ALogPlantedAsALinkOrAFifoIsLeftAlone)
 
 TEST_F(ProbeRunner, FaultyProbesEndWithinTheTimeOutAndAreTraced)
 {
-    NimCfg::setKey("hwscanner.timeout", "1");
     const std::string dump = "echo '1.0 0 ok'; echo '(A'; echo 'x:i=1'; echo ')'\n";
     m_home.script("bin/sleeper", "sleep 30\n");
     m_home.script("bin/holder", dump + "exec sleep 30\n");
@@ -206,24 +205,28 @@ TEST_F(ProbeRunner, FaultyProbesEndWithinTheTimeOutAndAreTraced)
     m_home.write("bin/plain", "#!/bin/sh\n" + dump, 0644);
     m_home.write("bin/folder/.keep", "");
     m_home.script("bin/killed", dump + "kill -9 $$\n");
+    // The time-out for each: 1 s where it is the bound under test, long
+    // enough elsewhere for a slow (sanitizer) build to parse what it gets.
     struct Case {
         const char* probe;
+        const char* timeout;
         int result;
         const char* trace;
     } cases[] = {
-        {"sleeper", -1, "sleeper did not finish within 1 s: killed"},
-        {"holder", -1, "holder did not finish within 1 s: killed"},
-        {"parent", -1, "parent did not finish within 1 s: killed"},  // its child holds the output
-        {"shouter", 0, "shouter exit status 0"},                     // standard error drained
-        {"flood", -1, "flood printed more than 16777216 bytes: killed"},
-        {"plain", -1, "plain could not be executed: Permission denied"},
-        {"folder", -1, "folder could not be executed: Permission denied"},
-        {"killed", 0, "killed ended by signal 9"},  // what it printed stands
+        {"sleeper", "1", -1, "sleeper did not finish within 1 s: killed"},
+        {"holder", "1", -1, "holder did not finish within 1 s: killed"},
+        {"parent", "1", -1, "parent did not finish within 1 s: killed"},  // its child holds the output
+        {"shouter", "60", 0, "shouter exit status 0"},                    // standard error drained
+        {"flood", "600", -1, "flood printed more than 16777216 bytes: killed"},
+        {"plain", "60", -1, "plain could not be executed: Permission denied"},
+        {"folder", "60", -1, "folder could not be executed: Permission denied"},
+        {"killed", "60", 0, "killed ended by signal 9"},  // what it printed stands
     };
     ScopedEnv home("NIM_HOMEDIR", m_home.path().c_str());
     trace::Capture capture;
     for (const Case& c : cases) {
         capture.clear();
+        NimCfg::setKey("hwscanner.timeout", c.timeout);
         std::unique_ptr<VtExecInfo> info(vtExecCommand(c.probe, nullptr, nullptr));
         ASSERT_NE(info, nullptr) << c.probe;
         EXPECT_EQ(info->result, c.result) << c.probe;

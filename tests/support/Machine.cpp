@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <fstream>
 #include <map>
 #include <sstream>
@@ -26,6 +27,9 @@ const std::map<std::string, int> kSysinfoNames = {
     {"PLATFORM", SI_PLATFORM},       {"ISALIST", SI_ISALIST},
 };
 
+const std::map<std::string, int> kErrnoNames = {
+    {"EOVERFLOW", EOVERFLOW}, {"ENOSYS", ENOSYS}, {"EFAULT", EFAULT}, {"ENOMEM", ENOMEM}, {"EIO", EIO}};
+
 bool readLine(const std::string& text, FakeSystem& os)
 {
     std::istringstream in(text);
@@ -44,6 +48,14 @@ bool readLine(const std::string& text, FakeSystem& os)
         return static_cast<bool>(in >> os.hostid);
     } else if (facility == "swap-count") {
         return static_cast<bool>(in >> os.swapCount);
+    } else if (facility == "swap-list") {
+        // What SC_LIST returns instead of the devices, and the errno with -1.
+        std::string error;
+        if (!(in >> os.swapListResult)) return false;
+        if (in >> error) {
+            if (!kErrnoNames.count(error)) return false;
+            os.swapListErrno = kErrnoNames.at(error);
+        }
     } else if (facility == "swap") {
         FakeSystem::SwapDevice d;
         if (!(in >> d.path >> d.pages >> d.freePages)) return false;
@@ -61,6 +73,17 @@ bool readLine(const std::string& text, FakeSystem& os)
         uint_t idle, user, kernel, wait;
         if (!(in >> instance >> idle >> user >> kernel >> wait)) return false;
         os.addCpuStat(instance, idle, user, kernel, wait);
+        // Quirks of the record: "size N", "named", "unreadable".
+        for (std::string quirk; in >> quirk;) {
+            FakeSystem::Kstat& k = os.kstats.back();
+            if (quirk == "size" && in >> k.dataSize) continue;
+            if (quirk == "named")
+                k.type = KSTAT_TYPE_NAMED;
+            else if (quirk == "unreadable")
+                k.readFails = true;
+            else
+                return false;
+        }
     } else if (facility == "loadavg") {
         return static_cast<bool>(in >> os.loadavg[0] >> os.loadavg[1] >> os.loadavg[2]);
     } else if (facility == "loadavg-fails") {
