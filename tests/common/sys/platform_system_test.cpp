@@ -172,6 +172,14 @@ TEST(PlatformSystem, RunCommandLinesStatusAndLimits)
     EXPECT_EQ(os.runCommand({"printf", "%s|", "$HOME", "a;b"}, 0, lines), 0);
     EXPECT_EQ(lines, (std::vector<std::string>{"$HOME|a;b|"}));
 
+    // A child inherits its three standard descriptors and nothing else, not
+    // even one the host left open across exec (ls shows its own listing's).
+    const int leaked = dup(0);
+    ASSERT_GE(leaked, 3);
+    EXPECT_EQ(os.runCommand({"ls", "/proc/self/fd"}, 0, lines), 0);
+    EXPECT_EQ(lines, (std::vector<std::string>{"0", "1", "2", "3"}));
+    close(leaked);
+
     errno = 0;
     EXPECT_EQ(os.runCommand({"/nonexistent/program"}, 0, lines), -1);
     EXPECT_EQ(errno, ENOENT);
