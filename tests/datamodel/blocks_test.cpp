@@ -8,6 +8,7 @@
 
 #include "invscan/com/KorTable.h"
 #include "invscan/com/KorValue.h"
+#include "support/TempDir.h"
 
 namespace {
 
@@ -45,30 +46,6 @@ Bytes wideChars(const std::u32string& text)
         for (int i = 0; i < 4; ++i) b.push_back(static_cast<unsigned char>(c >> (8 * i)));
     return b;
 }
-
-class UtcZone : public ::testing::Test {
-protected:
-    void SetUp() override
-    {
-        const char* tz = std::getenv("TZ");
-        m_saved = tz ? tz : "";
-        m_had = tz != nullptr;
-        setenv("TZ", "UTC", 1);
-        tzset();
-    }
-    void TearDown() override
-    {
-        if (m_had)
-            setenv("TZ", m_saved.c_str(), 1);
-        else
-            unsetenv("TZ");
-        tzset();
-    }
-
-private:
-    std::string m_saved;
-    bool m_had = false;
-};
 
 TEST(AttribBlock, NumericTypesArePackedWithoutPadding)
 {
@@ -138,8 +115,10 @@ TEST(AttribBlock, WideStringsAndOctets)
     EXPECT_EQ(blockOf(KorTableAttrib(8, raw, 3u)), (header(19, 8, 8) + Bytes{3, 0, 0, 0, 0, 0xFF, 0x10}));
 }
 
-TEST_F(UtcZone, SignedLongIsALocalDateTime)
+TEST(AttribBlock, SignedLongIsALocalDateTime)
 {
+    testsupport::ScopedEnv utc("TZ", "UTC");
+    tzset();
     const KorTableAttrib epoch(9, 0L);
     const std::string text = "1970-01-01-00.00.00.000000";
     EXPECT_EQ(blockOf(epoch), header(38, 9, 9) + Bytes(text.begin(), text.end()));

@@ -159,12 +159,11 @@ int FakeSystem::getloadavg(double* values, int nelem)
     return nelem < 3 ? nelem : 3;
 }
 
-int FakeSystem::pset_info(psetid_t, int* type, uint_t* numcpus, processorid_t* cpulist)
+// No processor sets: the machine's own, empty, as without pools.
+int FakeSystem::pset_info(psetid_t, int* type, uint_t* numcpus, processorid_t*)
 {
-    const uint_t capacity = numcpus ? *numcpus : 0;
-    for (uint_t i = 0; cpulist && i < capacity && i < psetCpus.size(); ++i) cpulist[i] = psetCpus[i];
-    if (numcpus) *numcpus = static_cast<uint_t>(psetCpus.size());
-    if (type) *type = psetType;
+    if (numcpus) *numcpus = 0;
+    if (type) *type = PS_NONE;
     return 0;
 }
 

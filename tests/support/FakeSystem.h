@@ -52,8 +52,6 @@ public:
     bool loadavgFails = false;
     double loadavg[3] = {0, 0, 0};
 
-    int psetType = PS_NONE;
-    std::vector<processorid_t> psetCpus;
     std::map<processorid_t, int> processorStates;  // absent: -1, EINVAL
 
     // devices that can be opened and controlled; directories, reads,

@@ -1,7 +1,5 @@
 #include "support/TableReader.h"
 
-#include <gtest/gtest.h>
-
 #include <cstdio>
 #include <set>
 
@@ -54,22 +52,6 @@ std::vector<Row> readTable(KorTable& table)
     }
     table.reset();
     return rows;
-}
-
-const KorValue& cell(const Row& row, unsigned long id)
-{
-    static const KorValue none;
-    const KorValue* found = nullptr;
-    for (const KorValue& v : row) {
-        if (v.id != id) continue;
-        if (found) {
-            ADD_FAILURE() << "attribute " << id << " appears twice";
-            return none;
-        }
-        found = &v;
-    }
-    if (!found) ADD_FAILURE() << "attribute " << id << " is missing";
-    return found ? *found : none;
 }
 
 std::string valueText(const KorValue& v)

@@ -16,10 +16,6 @@ using Row = std::vector<KorValue>;
 // The table is walked from its start and left reset.
 std::vector<Row> readTable(KorTable& table);
 
-// The one value with this id: a test failure (and an empty value) when the
-// row has none, or more than one.
-const KorValue& cell(const Row& row, unsigned long id);
-
 // Strings in UTF-8, numbers in decimal, reals with %.9g, octets in hex.
 std::string valueText(const KorValue& value);
 
