@@ -1,22 +1,14 @@
 #include "cpuidprobe/DumpReader.h"
 
+#include "support/TempDir.h"
+
 #include <cinttypes>
 #include <cstdio>
 #include <cstring>
-#include <fstream>
 #include <map>
 #include <sstream>
 
 namespace cpuidtest {
-
-namespace {
-
-bool startsWith(const std::string& s, const char* prefix)
-{
-    return s.compare(0, std::strlen(prefix), prefix) == 0;
-}
-
-}  // namespace
 
 std::vector<cpuid::CpuDump> readDumpText(const std::string& text)
 {
@@ -30,7 +22,7 @@ std::vector<cpuid::CpuDump> readDumpText(const std::string& text)
         size_t lead = line.find_first_not_of(" \t");
         std::string body = lead == std::string::npos ? "" : line.substr(lead);
 
-        if (startsWith(body, "------[")) {
+        if (body.compare(0, 7, "------[") == 0) {
             // MSR sections also name a logical CPU; only register sections count.
             inCpu = body.find("Logical CPU #") != std::string::npos &&
                     body.find("MSR") == std::string::npos;
@@ -70,11 +62,7 @@ std::vector<cpuid::CpuDump> readDumpText(const std::string& text)
 
 std::vector<cpuid::CpuDump> readDumpFile(const std::string& path)
 {
-    std::ifstream in(path, std::ios::binary);
-    if (!in) return {};
-    std::ostringstream text;
-    text << in.rdbuf();
-    return readDumpText(text.str());
+    return readDumpText(testsupport::readFile(path));
 }
 
 }  // namespace cpuidtest

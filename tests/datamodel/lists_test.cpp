@@ -57,7 +57,6 @@ TEST(Table, NamesIdsAndTimestamp)
     EXPECT_STREQ(processor.getGroupName(), "Processor");
     EXPECT_EQ(processor.getGroupDefinitionFromId(), getGroupDefinitionFromId(2));
     EXPECT_GE(processor.getTimeStamp(), before);
-    EXPECT_STREQ(KorTable(26, 1).getGroupName(), "Unknown");
     const korGroupDef emptyDefs[] = {{KOR_END, nullptr, nullptr, nullptr, 0, 0, 0}};
     EXPECT_STREQ(KorTable(emptyDefs, 2, 1).getGroupName(), "Unknown");
 }

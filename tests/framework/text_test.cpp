@@ -19,16 +19,6 @@ TEST(String, NarrowAndWideConstructionAgree)
     EXPECT_EQ(String(static_cast<const wchar_t*>(nullptr)).length(), 0u);
 }
 
-TEST(String, OrdersForMapKeys)
-{
-    EXPECT_LT(String("Memory").compareTo(String("Processor")), 0);
-    EXPECT_GT(String("b").compareTo(String("a")), 0);
-    EXPECT_TRUE(String("Memory") < String("memory"));  // case-sensitive: 'M' < 'm'
-    std::map<String, int> byName{{String("Processor"), 2}, {String("Memory"), 3}};
-    EXPECT_EQ(byName.begin()->second, 3);
-    EXPECT_EQ(byName.count(String(L"Processor")), 1u);
-}
-
 TEST(Utils, TrimBothNarrowWideAndInPlace)
 {
     EXPECT_EQ(utils::trimBoth(std::string(" \t a b \r\n")), "a b");
@@ -102,7 +92,6 @@ TEST(Utils, HexToDecimal)
     EXPECT_EQ(utils::hexToDecimal("12g"), "");
     EXPECT_EQ(utils::hexToDecimal(""), "");
     EXPECT_EQ(utils::hexToDecimal("0x"), "");
-    EXPECT_EQ(std::wstring(File::pathSeparator), L"/");
 }
 
 }  // namespace

@@ -253,22 +253,6 @@ TEST_F(ProbeRunner, HundredRunsLeaveNoDescriptorOrZombie)
     EXPECT_FALSE(testsupport::hasZombieChild());
 }
 
-TEST_F(ProbeRunner, ExecTestPrintsTheTree)
-{
-    m_home.script("bin/tiny", "echo '1.0 0 fine'\necho '(T'\necho 'x:i=1'\necho ')'\n");
-    ScopedEnv home("NIM_HOMEDIR", m_home.path().c_str());
-    {
-        testsupport::StreamCapture out(stdout);
-        EXPECT_EQ(vtExecTest("tiny"), 0);
-        EXPECT_EQ(out.text(),
-                  "Command 'tiny' executed successfully\nVT version = 1.0, result = 0, message = fine\n"
-                  "(\n   (T\n      x:i=1\n   )\n)\n");
-    }
-    testsupport::StreamCapture err(stderr);
-    EXPECT_EQ(vtExecTest("absent"), 1);
-    EXPECT_EQ(err.text(), "*** Fatal: could not execute 'absent'\n");
-}
-
 TEST(ResponseWriter, HeaderLine)
 {
     testsupport::StreamCapture out(stdout);

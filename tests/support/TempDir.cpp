@@ -7,6 +7,7 @@
 
 #include <cerrno>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <sstream>
 
@@ -20,20 +21,15 @@ TempDir::TempDir()
 
 TempDir::~TempDir()
 {
-    if (!m_path.empty()) {
-        const std::string command = "rm -rf '" + m_path + "'";
-        if (std::system(command.c_str()) != 0) {
-            // a leftover temp folder is harmless
-        }
-    }
+    std::error_code ignored;  // a leftover temp folder is harmless
+    if (!m_path.empty()) std::filesystem::remove_all(m_path, ignored);
 }
 
 std::string TempDir::write(const std::string& relative, const std::string& content, int mode) const
 {
     const std::string full = m_path + "/" + relative;
-    for (size_t slash = full.find('/', m_path.size() + 1); slash != std::string::npos;
-         slash = full.find('/', slash + 1))
-        mkdir(full.substr(0, slash).c_str(), 0755);
+    std::error_code ignored;
+    std::filesystem::create_directories(std::filesystem::path(full).parent_path(), ignored);
     std::ofstream(full, std::ios::binary) << content;
     chmod(full.c_str(), static_cast<mode_t>(mode));
     return full;
