@@ -113,6 +113,7 @@ VtProcess* VtProcess::create(const char* program, const char* args, const char* 
     sys::closeFd(log);
     if (p->m_startError == EAGAIN || p->m_startError == ENOMEM) {
         // No process could be made: the caller may try again later.
+        errno = p->m_startError;
         delete p;
         return nullptr;
     }
