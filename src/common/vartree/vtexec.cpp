@@ -113,8 +113,9 @@ VtProcess* VtProcess::create(const char* program, const char* args, const char* 
     sys::closeFd(log);
     if (p->m_startError == EAGAIN || p->m_startError == ENOMEM) {
         // No process could be made: the caller may try again later.
-        errno = p->m_startError;
+        const int error = p->m_startError;
         delete p;
+        errno = error;
         return nullptr;
     }
     // A program that cannot be executed leaves no child: its output reads
