@@ -159,10 +159,15 @@ int FakeSystem::getloadavg(double* values, int nelem)
     return nelem < 3 ? nelem : 3;
 }
 
-// No processor sets: the machine's own, empty, as without pools.
-int FakeSystem::pset_info(psetid_t, int* type, uint_t* numcpus, processorid_t*)
+int FakeSystem::pset_info(psetid_t, int* type, uint_t* numcpus, processorid_t* cpulist)
 {
-    if (numcpus) *numcpus = 0;
+    if (psetFailsOnCall == (cpulist ? 2 : 1)) {
+        errno = EINVAL;
+        return -1;
+    }
+    const uint_t room = numcpus ? *numcpus : 0;
+    for (uint_t i = 0; cpulist && i < room && i < psetCpus.size(); ++i) cpulist[i] = psetCpus[i];
+    if (numcpus) *numcpus = static_cast<uint_t>(psetCpus.size());
     if (type) *type = PS_NONE;
     return 0;
 }
@@ -170,7 +175,7 @@ int FakeSystem::pset_info(psetid_t, int* type, uint_t* numcpus, processorid_t*)
 int FakeSystem::p_online(processorid_t cpu, int)
 {
     auto it = processorStates.find(cpu);
-    if (it == processorStates.end()) {
+    if (it == processorStates.end() || it->second == -1) {
         errno = EINVAL;
         return -1;
     }
@@ -246,20 +251,68 @@ void* FakeSystem::mmap(size_t, int, long long)
 }
 
 int FakeSystem::munmap(void*, size_t) { return -1; }
-void* FakeSystem::dlopen(const char*, int) { return nullptr; }
-void* FakeSystem::dlsym(void*, const char*) { return nullptr; }
-int FakeSystem::dlclose(void*) { return -1; }
-
-FILE* FakeSystem::popen(const char*, const char*)
+FakeSystem::~FakeSystem()
 {
-    errno = ENOENT;
-    return nullptr;
+    for (auto& stream : m_streams) std::fclose(stream.first);
 }
 
-int FakeSystem::pclose(FILE*)
+bool FakeSystem::Pools::fails(const char* function) const
 {
-    errno = ECHILD;
-    return -1;
+    return std::find(failing.begin(), failing.end(), function) != failing.end();
+}
+
+// A handle is the address of the library's entry.
+void* FakeSystem::dlopen(const char* path, int)
+{
+    auto it = libraries.find(path ? path : "");
+    if (it == libraries.end()) return nullptr;
+    ++m_openLibraries;
+    return &it->second;
+}
+
+void* FakeSystem::dlsym(void* handle, const char* symbol)
+{
+    const auto* library = static_cast<const Library*>(handle);
+    if (!library || !symbol ||
+        std::find(library->missing.begin(), library->missing.end(), symbol) != library->missing.end())
+        return nullptr;
+    return fakeLibraryFunction(symbol);
+}
+
+int FakeSystem::dlclose(void* handle)
+{
+    if (!handle) return -1;
+    --m_openLibraries;
+    return 0;
+}
+
+FILE* FakeSystem::popen(const char* command, const char* mode)
+{
+    auto it = shells.find(command ? command : "");
+    if (it == shells.end() || it->second.fails || !mode || mode[0] != 'r') {
+        errno = ENOENT;
+        return nullptr;
+    }
+    // A real stream over a temporary file: fgets and fclose work on it.
+    FILE* f = std::tmpfile();
+    if (!f) return nullptr;
+    std::fwrite(it->second.output.data(), 1, it->second.output.size(), f);
+    std::rewind(f);
+    m_streams[f] = it->second.status;
+    return f;
+}
+
+int FakeSystem::pclose(FILE* stream)
+{
+    auto it = m_streams.find(stream);
+    if (it == m_streams.end()) {
+        errno = ECHILD;
+        return -1;
+    }
+    const int status = it->second;
+    std::fclose(stream);
+    m_streams.erase(it);
+    return status << 8;  // as wait(2) encodes an exit status
 }
 
 int FakeSystem::runCommand(const std::vector<std::string>& argv, int timeoutSeconds, std::vector<std::string>& lines)

@@ -52,27 +52,64 @@ public:
     bool loadavgFails = false;
     double loadavg[3] = {0, 0, 0};
 
-    std::map<processorid_t, int> processorStates;  // absent: -1, EINVAL
+    // The processor set of the process (pset_info(PS_MYID)); the call that
+    // fails (1 or 2), 0 for none. States by processor; absent or -1: the
+    // call fails with EINVAL.
+    std::vector<processorid_t> psetCpus;
+    int psetFailsOnCall = 0;
+    std::map<processorid_t, int> processorStates;
 
-    // devices that can be opened and controlled; directories, reads,
-    // mappings, run-time libraries and popen are not modelled yet and fail
+    // devices that can be opened and controlled; directories, reads and
+    // mappings are not modelled yet and fail
     struct Device {
         int openErrno = 0;  // non-zero: open fails with it
         std::function<int(int request, void* arg)> ioctl;  // empty: ENOTTY
     };
     std::map<std::string, Device> devices;
 
-    // commands run through runCommand, by their arguments joined with blanks
+    // commands run through runCommand, by their arguments joined with blanks,
+    // and through the shell (popen), by their text
     struct Command {
         std::string output;
         int status = 0;
         bool fails = false;  // the start fails
     };
     std::map<std::string, Command> commands;
+    std::map<std::string, Command> shells;
     int lastTimeout = -1;  // what the last runCommand was given
+    pid_t pid = 4242;
+    int openStreams() const { return static_cast<int>(m_streams.size()); }
+
+    // Run-time libraries by the path dlopen is given: they answer with the
+    // fake libv12n and libpool below (tests/support/FakeLibraries.cpp), less
+    // the functions named missing.
+    struct Library {
+        std::vector<std::string> missing;
+    };
+    std::map<std::string, Library> libraries;
+    int openLibraries() const { return m_openLibraries; }
+
+    struct V12n {
+        std::string name;        // V12N_PROP_NAME
+        std::string kzZoneName;  // V12N_PROP_KZ_ZONENAME
+        bool envFails = false, nameFails = false, kzFails = false;
+    } v12n;
+    struct PoolResource {
+        std::string type, name;
+        unsigned long long size = 0;
+    };
+    struct Pools {
+        std::string location = "/dev/poolctl";
+        std::vector<std::string> failing;  // functions that fail when called
+        std::map<std::string, std::vector<PoolResource>> byName;
+        bool fails(const char* function) const;
+    } pools;
+
+    ~FakeSystem() override;
 
     long sysinfo(int command, char* buf, long count) override;
     long gethostid() override { return hostid; }
+    pid_t getpid() override { return pid; }
     long sysconf(int name) override;
     int swapctl(int cmd, void* arg) override;
     kstat_ctl_t* kstat_open() override;
@@ -104,7 +141,12 @@ private:
     std::map<int, std::string> m_open;  // descriptor -> device path
     int m_nextFd = 1000;
     int m_openKstat = 0;
+    int m_openLibraries = 0;
+    std::map<FILE*, int> m_streams;  // stream -> status pclose reports
 };
+
+// The fake libv12n or libpool function of that name, or null.
+void* fakeLibraryFunction(const char* symbol);
 
 // Makes `fake` the current system for a scope.
 class ScopedSystem {

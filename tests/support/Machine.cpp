@@ -30,12 +30,66 @@ const std::map<std::string, int> kSysinfoNames = {
 const std::map<std::string, int> kErrnoNames = {
     {"EOVERFLOW", EOVERFLOW}, {"ENOSYS", ENOSYS}, {"EFAULT", EFAULT}, {"ENOMEM", ENOMEM}, {"EIO", EIO}};
 
+// The command the output lines (">") and "exit" that follow belong to.
+FakeSystem::Command* g_current = nullptr;
+
 bool readLine(const std::string& text, FakeSystem& os)
 {
     std::istringstream in(text);
     std::string facility, name;
     in >> facility;
-    if (facility == "sysconf") {
+    if (facility == ">" || text == ">") {
+        if (!g_current) return false;
+        g_current->output += (text.size() > 2 ? text.substr(2) : std::string()) + "\n";
+        return true;
+    }
+    if (facility == "shell" || facility == "run") {
+        std::string command;
+        std::getline(in >> std::ws, command);
+        g_current = &(facility == "shell" ? os.shells : os.commands)[command];
+        return !command.empty();
+    }
+    if (facility == "exit") return g_current && static_cast<bool>(in >> g_current->status);
+    if (facility == "start-fails") return g_current && (g_current->fails = true);
+    g_current = nullptr;
+    if (facility == "pid") {
+        return static_cast<bool>(in >> os.pid);
+    } else if (facility == "pset") {
+        for (processorid_t cpu; in >> cpu;) os.psetCpus.push_back(cpu);
+    } else if (facility == "pset-fails") {
+        return static_cast<bool>(in >> os.psetFailsOnCall);
+    } else if (facility == "library") {
+        std::string path, word;
+        if (!(in >> path)) return false;
+        FakeSystem::Library& library = os.libraries[path];
+        if (in >> word && word != "missing") return false;
+        for (std::string symbol; in >> symbol;) library.missing.push_back(symbol);
+    } else if (facility == "v12n") {
+        std::string what;
+        in >> what;
+        std::string value;
+        std::getline(in >> std::ws, value);
+        if (what == "name")
+            os.v12n.name = value;
+        else if (what == "kz-zonename")
+            os.v12n.kzZoneName = value;
+        else if (what == "env-fails")
+            os.v12n.envFails = true;
+        else if (what == "name-fails")
+            os.v12n.nameFails = true;
+        else if (what == "kz-fails")
+            os.v12n.kzFails = true;
+        else
+            return false;
+    } else if (facility == "pool-fails") {
+        std::string function;
+        if (!(in >> function)) return false;
+        os.pools.failing.push_back(function);
+    } else if (facility == "pool") {
+        FakeSystem::PoolResource r;
+        if (!(in >> name >> r.type >> r.name >> r.size)) return false;
+        os.pools.byName[name].push_back(r);
+    } else if (facility == "sysconf") {
         long value;
         if (!(in >> name >> value) || !kSysconfNames.count(name)) return false;
         os.sysconfValues[kSysconfNames.at(name)] = value;
@@ -91,8 +145,11 @@ bool readLine(const std::string& text, FakeSystem& os)
     } else if (facility == "online") {
         processorid_t cpu;
         std::string state;
-        if (!(in >> cpu >> state) || (state != "on" && state != "off")) return false;
-        os.processorStates[cpu] = state == "on" ? P_ONLINE : P_OFFLINE;
+        if (!(in >> cpu >> state)) return false;
+        const std::map<std::string, int> states = {
+            {"on", P_ONLINE}, {"off", P_OFFLINE}, {"noint", P_NOINTR}, {"faulted", P_FAULTED}, {"fails", -1}};
+        if (!states.count(state)) return false;
+        os.processorStates[cpu] = states.at(state);
     } else {
         return false;
     }
@@ -108,7 +165,12 @@ bool loadMachine(const std::string& dir, FakeSystem& os, std::string& error)
         return false;
     }
     std::string line;
+    g_current = nullptr;
     for (int number = 1; std::getline(in, line); ++number) {
+        if (line.rfind(">", 0) == 0) {  // command output keeps its blanks and '#'
+            if (!readLine(line, os)) return (error = "machine.txt line " + std::to_string(number) + ": " + line), false;
+            continue;
+        }
         const auto first = line.find_first_not_of(" \t");
         if (first == std::string::npos || line[first] == '#') continue;
         if (!readLine(line, os)) {

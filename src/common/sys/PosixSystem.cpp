@@ -44,6 +44,7 @@ void splitLines(std::string& pending, const char* chunk, size_t n, std::vector<s
 
 long PosixSystem::gethostid() { return ::gethostid(); }
 long PosixSystem::sysconf(int name) { return ::sysconf(name); }
+pid_t PosixSystem::getpid() { return ::getpid(); }
 
 Dir* PosixSystem::opendir(const char* path)
 {

@@ -8,6 +8,7 @@ namespace sys {
 class PosixSystem : public System {
 public:
     long gethostid() override;
+    pid_t getpid() override;
     long sysconf(int name) override;
 
     Dir* opendir(const char* path) override;

@@ -30,6 +30,7 @@ public:
     // Solaris sysinfo(2): the length needed with its NUL, or -1.
     virtual long sysinfo(int command, char* buf, long count) = 0;
     virtual long gethostid() = 0;
+    virtual pid_t getpid() = 0;  // appears in commands the scanner runs
     virtual long sysconf(int name) = 0;
     virtual int swapctl(int cmd, void* arg) = 0;
 

@@ -160,10 +160,11 @@ const korAttribDef CPU_UNIX_METER_ATTRS_DEF[] = {KFLOAT(METER_LOAD_AVG_1, "LoadA
                                                  KFLOAT(METER_LOAD_AVG_15, "LoadAvg15"), KATTR_END};
 
 const korAttribDef VIRTUAL_MACHINE_ATTRS_DEF[] = {
-    KSTR(1, "Name", 128), KULONG(2, "Number"), KSTR(3, "VirtualMachineID", 48), KSTR(4, "OSType", 24),
+    KSTR(VM_NAME, "Name", 128), KULONG(VM_NUMBER, "Number"), KSTR(VM_ID, "VirtualMachineID", 48),
+    KSTR(4, "OSType", 24),
     KULONG(5, "VirtualCPUs"), KFLOAT(6, "Entitlement"), KFLOAT(7, "MaxEntitlement"),
     KULONG(8, "ReservedMemoryMB"), KULONG(9, "TotalMemoryMB"), KSTR(10, "State", 16), KSTR(11, "Startup", 16),
-    KSTR(12, "CpuPercentage", 16), KSTR(13, "Type", 16), KSTR(14, "MountPoint", 16),
+    KSTR(12, "CpuPercentage", 16), KSTR(VM_TYPE, "Type", 16), KSTR(VM_MOUNT_POINT, "MountPoint", 16),
     KFLOAT(15, "CpusConfigured"), KFLOAT(16, "CpuTotal"), KFLOAT(17, "CpuStandby"), KFLOAT(18, "CpuReserved"),
     KFLOAT(19, "CpuDedicated"), KFLOAT(20, "CpuShared"), KFLOAT(21, "IflTotal"), KFLOAT(22, "IflDedicated"),
     KFLOAT(23, "IflShared"), KFLOAT(24, "ZiipTotal"), KFLOAT(25, "ZiipDedicated"), KFLOAT(26, "ZiipShared"),
@@ -171,7 +172,8 @@ const korAttribDef VIRTUAL_MACHINE_ATTRS_DEF[] = {
     KFLOAT(30, "CpCapacityCapInCores"),
     KFLOAT(53, "ZiipCapacityCapInCores"),  // stands here by design, out of id order
     KSTR(31, "VirtualLayerID", 48), KULONG(32, "IflDispatchType"), KULONG(33, "CpDispatchType"),
-    KSTR(34, "SharedPool ID", 128), KFLOAT(35, "SharedPool Capacity In Cores"), KFLOAT(36, "IflThreads"),
+    KSTR(VM_SHARED_POOL_ID, "SharedPool ID", 128),
+    KFLOAT(VM_SHARED_POOL_CAPACITY, "SharedPool Capacity In Cores"), KFLOAT(36, "IflThreads"),
     KFLOAT(37, "ZiipThreads"), KFLOAT(38, "CpThreads"), KFLOAT(39, "IflCapacityCapInCores"),
     KFLOAT(40, "CpWeight"), KFLOAT(41, "IflWeight"), KFLOAT(42, "ZiipWeight"), KFLOAT(43, "CpLimit"),
     KFLOAT(44, "IflLimit"), KFLOAT(45, "ZiipLimit"), KFLOAT(46, "ZiipDispatchType"),
@@ -222,7 +224,7 @@ const korGroupDef GROUPS_DEF[] = {
     KGROUP_NOKEYS(50, "VirtualMachineGuest", VIRTUAL_MACHINE_GUEST_ATTRS_DEF),
     KGROUP_NOKEYS(CPU_METER_GROUP, "CpuMeter", CPU_METER_ATTRS_DEF),
     KGROUP_NOKEYS(UNIX_CPU_METER_GROUP, "UnixCpuMeter", CPU_UNIX_METER_ATTRS_DEF),
-    KGROUP(49, "VirtualMachine", VIRTUAL_MACHINE_ATTRS_DEF, VIRTUAL_MACHINE_KEYS_DEF),
+    KGROUP(VIRTUAL_MACHINE_GROUP, "VirtualMachine", VIRTUAL_MACHINE_ATTRS_DEF, VIRTUAL_MACHINE_KEYS_DEF),
     KGROUP(53, "PartitionToStorage", PART2STOR_ATTRS_DEF, PART2STOR_KEYS_DEF),
     KGROUP(54, "SAN Adapter", SAN_ADAPTER_ATTRS_DEF, SAN_ADAPTER_KEYS_DEF),
     {KOR_END, nullptr, nullptr, nullptr, 0, 0, 0},

@@ -70,3 +70,14 @@ enum UnixCpuMeterAttrib : unsigned long {
     METER_LOAD_AVG_5 = 2,
     METER_LOAD_AVG_15 = 3,
 };
+
+// "VirtualMachine": the attributes the zone rows fill, in the order they are added.
+enum VirtualMachineAttrib : unsigned long {
+    VM_NAME = 1,
+    VM_NUMBER = 2,
+    VM_ID = 3,
+    VM_SHARED_POOL_ID = 34,
+    VM_SHARED_POOL_CAPACITY = 35,
+    VM_TYPE = 13,
+    VM_MOUNT_POINT = 14,
+};

@@ -1,0 +1,58 @@
+#include "invscan/solaris/VirtualMachineGroup.h"
+
+#include "framework/Trace.h"
+#include "invscan/com/CatalogueIds.h"
+#include "invscan/com/GroupRegistry.h"
+#include "invscan/com/KorTable.h"
+
+namespace {
+const char* const kSource = "./../../../src/invscan/solaris/VirtualMachineGroup";
+const char* const kFunction = "getTable()";
+#define VM_TRACE(...) CcLogWrapper::traceMAX(getCcLogHw(), __LINE__, kSource, kFunction, __VA_ARGS__)
+}  // namespace
+
+void shapeVirtualMachineRows(const std::vector<Zone::ZoneInfo>& zones, KorTable& table)
+{
+    unsigned int number = 0;
+    for (const Zone::ZoneInfo& z : zones) {
+        const int n = static_cast<int>(number);
+        auto* row = new KorTableRow;
+        VM_TRACE("hardware Virtual Machine %d, Name = %s ", n, z.name.c_str());
+        row->addAttrib(new KorTableAttrib(VM_NAME, z.name.c_str()));
+        VM_TRACE("hardware Virtual Machine %d, Number = [%d] ", n, n);
+        row->addAttrib(new KorTableAttrib(VM_NUMBER, number));
+        VM_TRACE("hardware Virtual Machine %d, ID = %s ", n, z.hostid.c_str());
+        row->addAttrib(new KorTableAttrib(VM_ID, z.hostid.c_str()));
+        VM_TRACE("hardware Virtual Machine %d, shared pool ID (name) = %s ", n, z.sharedPoolName.c_str());
+        row->addAttrib(new KorTableAttrib(VM_SHARED_POOL_ID, z.sharedPoolName.c_str()));
+        VM_TRACE("hardware Virtual Machine %d, shared pool capacity = %f ", n, static_cast<double>(z.sharedPoolCapacity));
+        row->addAttrib(new KorTableAttrib(VM_SHARED_POOL_CAPACITY, z.sharedPoolCapacity));
+        VM_TRACE("hardware Virtual Machine %d, zone type = %s ", n, z.typeDisplayed.c_str());
+        row->addAttrib(new KorTableAttrib(VM_TYPE, z.typeDisplayed.c_str()));
+        VM_TRACE("hardware Virtual Machine %d, MountPoint = %s ", n, z.path.c_str());
+        row->addAttrib(new KorTableAttrib(VM_MOUNT_POINT, z.path.c_str()));
+        table.addRow(row);
+        ++number;
+    }
+}
+
+VirtualMachineGroup::VirtualMachineGroup() : KorGroup(VIRTUAL_MACHINE_GROUP, 1) {}
+
+KorTable* VirtualMachineGroup::getTable()
+{
+    CcLogWrapper::traceMidEntry(getCcLogHw(), __LINE__, kSource, kFunction, "hardware %s", "VirtualMachineGroup");
+    const Zone zone;
+    KorTable* table = nullptr;
+    if (!zone.isInsideZone())
+        VM_TRACE("hardware %s", "no table: this machine has no zones");
+    else if (zone.getChildZonesInfo().empty())
+        VM_TRACE("hardware %s", "no table: no zone other than this one is configured here");
+    else {
+        table = new KorTable(getGroupId(), getGroupVersion());
+        shapeVirtualMachineRows(zone.getChildZonesInfo(), *table);
+    }
+    CcLogWrapper::traceMidExit(getCcLogHw(), __LINE__, kSource, kFunction, "hardware %s", "VirtualMachineGroup");
+    return table;
+}
+
+INVSCAN_REGISTER_GROUP(VIRTUAL_MACHINE_GROUP, VirtualMachineGroup);
