@@ -18,6 +18,7 @@
 #include "framework/Trace.h"
 #include "invscan/com/GroupFactory.h"
 #include "invscan/com/GroupRegistry.h"
+#include "invscan/solaris/Zone.h"
 #include "support/Machine.h"
 #include "support/TableReader.h"
 #include "support/TempDir.h"
@@ -25,6 +26,22 @@
 namespace {
 
 using namespace testsupport;
+
+// What the zone reader makes of the machine: facts no group shows whole.
+std::string zoneFacts()
+{
+    const Zone zone;
+    const Zone::ZoneInfo& z = zone.getZoneInfo();
+    char capacity[64];
+    std::snprintf(capacity, sizeof capacity, "capacity %g, pool capacity %g", static_cast<double>(z.capacity),
+                  static_cast<double>(z.sharedPoolCapacity));
+    return std::string("== Zone\n") + (zone.isInsideZone() ? "inside a zone" : "no zones") +
+           (zone.isGlobalZone() ? ", global" : "") + (zone.isKernelZone() ? ", kernel zone" : "") +
+           (zone.isInsidePool() ? ", in a pool" : "") + "\nid " + z.id + ", hostid " + z.hostid + ", name '" + z.name +
+           "', type '" + z.type + "' ('" + z.typeDisplayed + "'), " + capacity + "\npool '" + z.sharedPoolName +
+           "': " + z.sharedPoolType + " '" + z.poolResourceName + "'\nchild zones " +
+           std::to_string(zone.getChildZonesInfo().size()) + "\n";
+}
 
 // Every group that has a class, in catalogue order: its table as text, what
 // the catalogue check finds wrong with it, and the trace lines the machine
@@ -56,6 +73,7 @@ std::string scanMachine(const std::string& dir)
         out += tableText(*table);
     }
     factory->endScan();
+    out += zoneFacts();
     if (os.openKstatHandles() != 0) out += "LEAK: kernel statistics left open\n";
     if (os.openLibraries() != 0) out += "LEAK: libraries left open\n";
     if (os.openStreams() != 0) out += "LEAK: command pipes left open\n";
