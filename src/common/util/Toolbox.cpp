@@ -215,7 +215,10 @@ bool Toolbox::getZoneName(std::string& out)
     std::string line;
     if (!getCmdValue2("zonename 2>/dev/null", line) && !getCmdValue(psValueCommand("zone").c_str(), line))
         return false;
-    out = trim(line.c_str());
+    // A ps that knows no zones (procps on Linux) prints "-" there: no name.
+    const std::string name = trim(line.c_str());
+    if (name.empty() || name == "-") return false;
+    out = name;
     return true;
 }
 

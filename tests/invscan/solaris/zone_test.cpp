@@ -1,0 +1,142 @@
+// The zone reader's library steps, one fault at a time: each gives its own
+// result code and trace line and leaves no library open. Whole zone set-ups
+// are simulated machines (tests/machines); this machine's real answer is at
+// the end.
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <memory>
+
+#include "framework/Trace.h"
+#include "invscan/com/GroupFactory.h"
+#include "invscan/solaris/Zone.h"
+#include "support/FakeSystem.h"
+#include "support/TempDir.h"
+
+namespace {
+
+using testsupport::FakeSystem;
+using Setup = std::function<void(FakeSystem&)>;
+
+struct Case {
+    const char* what;
+    Setup setup;
+    int result;
+    std::string trace;
+};
+
+// Runs one reading step on a machine without zones (so the constructor
+// reads nothing) set up by `c`.
+void expectStep(const Case& c, const std::function<int(Zone&, Zone::ZoneInfo&)>& step, Zone::ZoneInfo& info)
+{
+    FakeSystem os;
+    c.setup(os);
+    testsupport::ScopedSystem scope(os);
+    trace::Capture capture;
+    Zone zone;
+    EXPECT_EQ(step(zone, info), c.result) << c.what;
+    EXPECT_TRUE(capture.contains(c.trace)) << c.what << ": " << c.trace;
+    EXPECT_EQ(os.openLibraries(), 0) << c.what;
+}
+
+void v12n(FakeSystem& os, std::vector<std::string> missing = {})
+{
+    os.libraries["libv12n.so.1"].missing = std::move(missing);
+    os.v12n.name = "non-global-zone";
+}
+
+TEST(ZoneLibraries, EveryVirtualizationEnvironmentFaultHasItsResult)
+{
+    const Case cases[] = {
+        {"no library on any path", [](FakeSystem&) {}, 1, "Failed to load libv12n.so.1 library, no v12n info available"},
+        {"no environment call", [](FakeSystem& os) { v12n(os, {"v12n_get_current_env"}); }, 2,
+         "ERROR! Couldn't find 'v12n_get_current_env' function in libv12n.so.1"},
+        {"no free call", [](FakeSystem& os) { v12n(os, {"v12n_free_env"}); }, 3,
+         "ERROR! Couldn't find 'v12n_free_env' function in libv12n.so.1"},
+        {"no environment", [](FakeSystem& os) { v12n(os), os.v12n.envFails = true; }, 4,
+         "v12n_get_current_env() function failed with errno=95"},
+        {"no property call", [](FakeSystem& os) { v12n(os, {"v12n_get_env_prop"}); }, 5,
+         "ERROR! Couldn't find 'v12n_get_env_prop' function in libv12n.so.1"},
+        {"no name", [](FakeSystem& os) { v12n(os), os.v12n.nameFails = true; }, 6,
+         "getting V12N_PROP_NAME failed with errno=2"},
+        {"a kernel zone without its name", [](FakeSystem& os) { v12n(os), os.v12n.name = "kernel-zone", os.v12n.kzFails = true; },
+         7, "getting V12N_PROP_KZ_ZONENAME failed"},
+        {"found on the third path, joined without a slash",
+         [](FakeSystem& os) { os.libraries["/usr/lib/64libv12n.so.1"], os.v12n.name = "kvm"; }, 0,
+         "env property V12N_PROP_NAME value:'kvm'"},
+    };
+    for (const Case& c : cases) {
+        Zone::ZoneInfo info;
+        expectStep(c, [](Zone& z, Zone::ZoneInfo& i) { return z.readZoneType(i); }, info);
+    }
+}
+
+void pools(FakeSystem& os, std::vector<std::string> missing = {}, std::vector<std::string> failing = {})
+{
+    os.libraries["libpool.so"].missing = std::move(missing);
+    os.pools.failing = std::move(failing);
+    os.pools.byName["p1"] = {{"pset", "pset_p1", 3}};
+}
+
+TEST(ZoneLibraries, EveryPoolFaultHasItsResultAndLeavesTheCapacityUnknown)
+{
+    std::vector<Case> cases = {
+        {"no library", [](FakeSystem&) {}, 1, "Failed to load libpool.so library, no pool info available"},
+        {"value allocation fails", [](FakeSystem& os) { pools(os, {}, {"pool_value_alloc"}); }, 11,
+         "ERROR! 'pool_value_alloc' failed, pool error: 5, error description: 'fake pool error'"},
+        {"configuration allocation fails", [](FakeSystem& os) { pools(os, {}, {"pool_conf_alloc"}); }, 9,
+         "ERROR! 'pool_conf_alloc' failed"},
+        {"pools are off", [](FakeSystem& os) { pools(os, {}, {"pool_conf_open"}); }, 10, "ERROR! 'pool_conf_open' failed"},
+        {"no such pool", [](FakeSystem& os) { pools(os), os.pools.byName.clear(); }, 19, "ERROR! 'pool_get_pool' failed"},
+        {"resources cannot be listed", [](FakeSystem& os) { pools(os, {}, {"pool_query_pool_resources"}); }, 20,
+         "ERROR! 'pool_query_pool_resources' failed"},
+        {"no property", [](FakeSystem& os) { pools(os, {}, {"pool_get_property"}); }, 21,
+         "ERROR! 'pool_get_property' failed"},
+    };
+    // Each function looked up: missing, it has its own result.
+    const char* functions[] = {"pool_error", "pool_strerror", "pool_conf_alloc", "pool_conf_open",
+                               "pool_dynamic_location", "pool_get_property", "pool_value_alloc",
+                               // then, after the value: 12 to 18
+                               "pool_value_free", "pool_conf_close", "pool_value_get_string", "pool_get_pool",
+                               "pool_query_pool_resources", "pool_resource_to_elem", "pool_value_get_uint64"};
+    for (int i = 0; i < 14; ++i) {
+        const std::string missing = functions[i];
+        cases.push_back({functions[i], [missing](FakeSystem& os) { pools(os, {missing}); }, i < 7 ? i + 2 : i + 5,
+                         "ERROR! Couldn't find '" + missing + "' function in libpool.so"});
+    }
+    for (const Case& c : cases) {
+        Zone::ZoneInfo info;
+        info.sharedPoolName = "p1";
+        expectStep(c, [](Zone& z, Zone::ZoneInfo& i) { return z.readPoolInfo(i); }, info);
+        EXPECT_EQ(info.sharedPoolCapacity, Zone::CAPACITY_NOT_AVAILABLE) << c.what;
+    }
+
+    // Sound: the processor set's size; and no name, nothing to read.
+    Zone::ZoneInfo info;
+    info.sharedPoolName = "p1";
+    expectStep({"sound", [](FakeSystem& os) { pools(os); }, 0, "shared pool pset.size is: 3"},
+               [](Zone& z, Zone::ZoneInfo& i) { return z.readPoolInfo(i); }, info);
+    EXPECT_EQ(info.sharedPoolCapacity, 3.0f);
+    EXPECT_EQ(info.poolResourceName, "pset_p1");
+    Zone::ZoneInfo unnamed;
+    expectStep({"no pool name", [](FakeSystem&) {}, 30, "the shared pool has no name, no information to read"},
+               [](Zone& z, Zone::ZoneInfo& i) { return z.readPoolInfo(i); }, unnamed);
+}
+
+TEST(ZoneOnThisMachine, RepeatedScansFindNoZonesAndLeaveNothingBehind)
+{
+    sys::setCurrent(nullptr);
+    const int descriptors = testsupport::openDescriptorCount();
+    trace::Capture capture;
+    for (int i = 0; i < 5; ++i) {
+        std::unique_ptr<KorGroup> group(GroupFactory::getInstance()->getGroup("VirtualMachine"));
+        ASSERT_NE(group, nullptr);
+        EXPECT_EQ(group->getTable(), nullptr);
+    }
+    EXPECT_TRUE(capture.contains("zones NOT detected (insideZone = false)"));
+    EXPECT_TRUE(capture.contains("no table: this machine has no zones"));
+    EXPECT_EQ(testsupport::openDescriptorCount(), descriptors);
+    EXPECT_FALSE(testsupport::hasZombieChild());
+}
+
+}  // namespace
