@@ -33,7 +33,7 @@ struct FakeValue {
     unsigned long long number = 0;
 };
 struct FakeConf {
-    bool open = false;
+    int unused;
 };
 
 }  // namespace
@@ -50,11 +50,8 @@ extern "C" {
 
 static v12n_env* fake_v12n_get_current_env()
 {
-    if (fake().v12n.envFails) {
-        errno = ENOTSUP;
-        return nullptr;
-    }
-    return new v12n_env{0};
+    errno = ENOTSUP;  // read only when it fails
+    return fake().v12n.envFails ? nullptr : new v12n_env{0};
 }
 
 static char* fake_v12n_get_env_prop(v12n_env*, int prop)
@@ -75,24 +72,18 @@ static const char* fake_pool_strerror(int) { return "fake pool error"; }
 
 static pool_conf* fake_pool_conf_alloc()
 {
-    if (fake().pools.fails("pool_conf_alloc")) return poolFails<pool_conf*>(nullptr);
-    return reinterpret_cast<pool_conf*>(new FakeConf);
+    return fake().pools.fails("pool_conf_alloc") ? poolFails<pool_conf*>(nullptr)
+                                                 : reinterpret_cast<pool_conf*>(new FakeConf{0});
 }
 
 static void fake_pool_conf_free(pool_conf* conf) { delete reinterpret_cast<FakeConf*>(conf); }
 
-static int fake_pool_conf_open(pool_conf* conf, const char*, int)
+static int fake_pool_conf_open(pool_conf*, const char*, int)
 {
-    if (fake().pools.fails("pool_conf_open")) return poolFails(PO_FAIL);
-    reinterpret_cast<FakeConf*>(conf)->open = true;
-    return PO_SUCCESS;
+    return fake().pools.fails("pool_conf_open") ? poolFails(PO_FAIL) : PO_SUCCESS;
 }
 
-static int fake_pool_conf_close(pool_conf* conf)
-{
-    reinterpret_cast<FakeConf*>(conf)->open = false;
-    return PO_SUCCESS;
-}
+static int fake_pool_conf_close(pool_conf*) { return PO_SUCCESS; }
 
 static const char* fake_pool_dynamic_location() { return fake().pools.location.c_str(); }
 
@@ -142,8 +133,8 @@ static pool_value_class fake_pool_get_property(const pool_conf*, const pool_elem
 
 static pool_value* fake_pool_value_alloc()
 {
-    if (fake().pools.fails("pool_value_alloc")) return poolFails<pool_value*>(nullptr);
-    return reinterpret_cast<pool_value*>(new FakeValue);
+    return fake().pools.fails("pool_value_alloc") ? poolFails<pool_value*>(nullptr)
+                                                  : reinterpret_cast<pool_value*>(new FakeValue);
 }
 
 static void fake_pool_value_free(pool_value* value) { delete reinterpret_cast<FakeValue*>(value); }

@@ -13,6 +13,14 @@ namespace testsupport {
 
 namespace {
 
+// A call that fails as the real one does: its result, errno set.
+template <typename T>
+T failWith(int error, T result)
+{
+    errno = error;
+    return result;
+}
+
 struct FakeChain {
     kstat_ctl_t ctl;  // first: callers hold a pointer to it
     std::vector<kstat_t> records;
@@ -46,20 +54,14 @@ void FakeSystem::addCpuStat(int instance, uint_t idle, uint_t user, uint_t kerne
 long FakeSystem::sysinfo(int command, char* buf, long count)
 {
     auto it = sysinfoValues.find(command);
-    if (it == sysinfoValues.end()) {
-        errno = EINVAL;
-        return -1;
-    }
+    if (it == sysinfoValues.end()) return failWith(EINVAL, -1);
     return copyOut(it->second, buf, count);
 }
 
 long FakeSystem::sysconf(int name)
 {
     auto it = sysconfValues.find(name);
-    if (it == sysconfValues.end()) {
-        errno = EINVAL;
-        return -1;
-    }
+    if (it == sysconfValues.end()) return failWith(EINVAL, -1);
     return it->second;
 }
 
@@ -75,10 +77,7 @@ int FakeSystem::swapctl(int cmd, void* arg)
             if (swapListResult < 0) errno = swapListErrno;
             return swapListResult;
         }
-        if (table->swt_n < static_cast<int>(swapDevices.size())) {
-            errno = ENOMEM;
-            return -1;
-        }
+        if (table->swt_n < static_cast<int>(swapDevices.size())) return failWith(ENOMEM, -1);
         for (size_t i = 0; i < swapDevices.size(); ++i) {
             swapent& e = table->swt_ent[i];
             std::snprintf(e.ste_path, 1024, "%s", swapDevices[i].path.c_str());
@@ -88,10 +87,7 @@ int FakeSystem::swapctl(int cmd, void* arg)
         return static_cast<int>(swapDevices.size());
     }
     case SC_AINFO:
-        if (ainfoFails) {
-            errno = ainfoErrno;
-            return -1;
-        }
+        if (ainfoFails) return failWith(ainfoErrno, -1);
         *static_cast<anoninfo*>(arg) = ainfo;
         return 0;
     default: errno = EINVAL; return -1;
@@ -100,10 +96,7 @@ int FakeSystem::swapctl(int cmd, void* arg)
 
 kstat_ctl_t* FakeSystem::kstat_open()
 {
-    if (kstatOpenFails) {
-        errno = EACCES;
-        return nullptr;
-    }
+    if (kstatOpenFails) return failWith(EACCES, nullptr);
     auto* chain = new FakeChain{};
     chain->records.assign(kstats.size(), kstat_t{});
     for (size_t i = 0; i < kstats.size(); ++i) {
@@ -137,15 +130,9 @@ kstat_t* FakeSystem::kstat_lookup(kstat_ctl_t* kc, char* module, int instance, c
 
 kid_t FakeSystem::kstat_read(kstat_ctl_t* kc, kstat_t* ksp, void* buf)
 {
-    if (!kc || !ksp) {
-        errno = EINVAL;
-        return -1;
-    }
+    if (!kc || !ksp) return failWith(EINVAL, -1);
     const Kstat& k = kstats.at(static_cast<size_t>(ksp->ks_kid));
-    if (k.readFails) {
-        errno = EIO;
-        return -1;
-    }
+    if (k.readFails) return failWith(EIO, -1);
     ksp->ks_data = const_cast<cpu_stat_t*>(&k.data);
     // Like libkstat: the record's own size is copied, whatever it is.
     if (buf) std::memcpy(buf, &k.data, std::min(k.dataSize, sizeof k.data));
@@ -161,10 +148,7 @@ int FakeSystem::getloadavg(double* values, int nelem)
 
 int FakeSystem::pset_info(psetid_t, int* type, uint_t* numcpus, processorid_t* cpulist)
 {
-    if (psetFailsOnCall == (cpulist ? 2 : 1)) {
-        errno = EINVAL;
-        return -1;
-    }
+    if (psetFailsOnCall == (cpulist ? 2 : 1)) return failWith(EINVAL, -1);
     const uint_t room = numcpus ? *numcpus : 0;
     for (uint_t i = 0; cpulist && i < room && i < psetCpus.size(); ++i) cpulist[i] = psetCpus[i];
     if (numcpus) *numcpus = static_cast<uint_t>(psetCpus.size());
@@ -175,19 +159,12 @@ int FakeSystem::pset_info(psetid_t, int* type, uint_t* numcpus, processorid_t* c
 int FakeSystem::p_online(processorid_t cpu, int)
 {
     auto it = processorStates.find(cpu);
-    if (it == processorStates.end() || it->second == -1) {
-        errno = EINVAL;
-        return -1;
-    }
+    if (it == processorStates.end() || it->second == -1) return failWith(EINVAL, -1);
     return it->second;
 }
 
 // What the fake does not model yet fails as on a machine without it.
-sys::Dir* FakeSystem::opendir(const char*)
-{
-    errno = ENOENT;
-    return nullptr;
-}
+sys::Dir* FakeSystem::opendir(const char*) { return failWith(ENOENT, nullptr); }
 
 const char* FakeSystem::readdir(sys::Dir*) { return nullptr; }
 int FakeSystem::closedir(sys::Dir*) { return -1; }
@@ -195,14 +172,8 @@ int FakeSystem::closedir(sys::Dir*) { return -1; }
 int FakeSystem::open(const char* path, int)
 {
     auto it = devices.find(path ? path : "");
-    if (it == devices.end()) {
-        errno = ENOENT;
-        return -1;
-    }
-    if (it->second.openErrno) {
-        errno = it->second.openErrno;
-        return -1;
-    }
+    if (it == devices.end()) return failWith(ENOENT, -1);
+    if (it->second.openErrno) return failWith(it->second.openErrno, -1);
     const int fd = m_nextFd++;
     m_open[fd] = it->first;
     return fd;
@@ -210,45 +181,24 @@ int FakeSystem::open(const char* path, int)
 
 int FakeSystem::close(int fd)
 {
-    if (m_open.erase(fd) == 0) {
-        errno = EBADF;
-        return -1;
-    }
+    if (m_open.erase(fd) == 0) return failWith(EBADF, -1);
     return 0;
 }
 
 int FakeSystem::ioctl(int fd, int request, void* arg)
 {
     auto it = m_open.find(fd);
-    if (it == m_open.end()) {
-        errno = EBADF;
-        return -1;
-    }
+    if (it == m_open.end()) return failWith(EBADF, -1);
     const Device& device = devices[it->second];
-    if (!device.ioctl) {
-        errno = ENOTTY;
-        return -1;
-    }
+    if (!device.ioctl) return failWith(ENOTTY, -1);
     return device.ioctl(request, arg);
 }
 
-ssize_t FakeSystem::read(int, void*, size_t)
-{
-    errno = EINVAL;
-    return -1;
-}
+ssize_t FakeSystem::read(int, void*, size_t) { return failWith(EINVAL, -1); }
 
-long long FakeSystem::lseek(int, long long, int)
-{
-    errno = EINVAL;
-    return -1;
-}
+long long FakeSystem::lseek(int, long long, int) { return failWith(EINVAL, -1); }
 
-void* FakeSystem::mmap(size_t, int, long long)
-{
-    errno = ENODEV;
-    return MAP_FAILED;
-}
+void* FakeSystem::mmap(size_t, int, long long) { return failWith(ENODEV, MAP_FAILED); }
 
 int FakeSystem::munmap(void*, size_t) { return -1; }
 FakeSystem::~FakeSystem()
@@ -289,10 +239,7 @@ int FakeSystem::dlclose(void* handle)
 FILE* FakeSystem::popen(const char* command, const char* mode)
 {
     auto it = shells.find(command ? command : "");
-    if (it == shells.end() || it->second.fails || !mode || mode[0] != 'r') {
-        errno = ENOENT;
-        return nullptr;
-    }
+    if (it == shells.end() || it->second.fails || !mode || mode[0] != 'r') return failWith(ENOENT, nullptr);
     // A real stream over a temporary file: fgets and fclose work on it.
     FILE* f = std::tmpfile();
     if (!f) return nullptr;
@@ -305,10 +252,7 @@ FILE* FakeSystem::popen(const char* command, const char* mode)
 int FakeSystem::pclose(FILE* stream)
 {
     auto it = m_streams.find(stream);
-    if (it == m_streams.end()) {
-        errno = ECHILD;
-        return -1;
-    }
+    if (it == m_streams.end()) return failWith(ECHILD, -1);
     const int status = it->second;
     std::fclose(stream);
     m_streams.erase(it);
@@ -322,10 +266,7 @@ int FakeSystem::runCommand(const std::vector<std::string>& argv, int timeoutSeco
     std::string joined;
     for (const std::string& a : argv) joined += (joined.empty() ? "" : " ") + a;
     auto it = commands.find(joined);
-    if (it == commands.end() || it->second.fails) {
-        errno = ENOENT;
-        return -1;
-    }
+    if (it == commands.end() || it->second.fails) return failWith(ENOENT, -1);
     std::istringstream in(it->second.output);
     std::string line;
     while (std::getline(in, line)) lines.push_back(line);

@@ -65,20 +65,16 @@ bool readLine(const std::string& text, FakeSystem& os)
         if (in >> word && word != "missing") return false;
         for (std::string symbol; in >> symbol;) library.missing.push_back(symbol);
     } else if (facility == "v12n") {
-        std::string what;
-        in >> what;
-        std::string value;
-        std::getline(in >> std::ws, value);
-        if (what == "name")
-            os.v12n.name = value;
-        else if (what == "kz-zonename")
-            os.v12n.kzZoneName = value;
-        else if (what == "env-fails")
-            os.v12n.envFails = true;
-        else if (what == "name-fails")
-            os.v12n.nameFails = true;
-        else if (what == "kz-fails")
-            os.v12n.kzFails = true;
+        // "v12n name TEXT", "v12n kz-zonename TEXT", or one of its faults.
+        std::string what, value;
+        std::getline(in >> what >> std::ws, value);
+        FakeSystem::V12n& v = os.v12n;
+        const std::map<std::string, bool*> faults = {
+            {"env-fails", &v.envFails}, {"name-fails", &v.nameFails}, {"kz-fails", &v.kzFails}};
+        if (what == "name" || what == "kz-zonename")
+            (what == "name" ? v.name : v.kzZoneName) = value;
+        else if (faults.count(what))
+            *faults.at(what) = true;
         else
             return false;
     } else if (facility == "pool-fails") {
