@@ -95,7 +95,10 @@ bool readLine(const std::string& text, FakeSystem& os)
         std::getline(in >> std::ws, value);
         os.sysinfoValues[kSysinfoNames.at(name)] = value;
     } else if (facility == "hostid") {
-        return static_cast<bool>(in >> os.hostid);
+        // Written unsigned; a 32-bit long holds the high ones as negatives, as Solaris does.
+        unsigned long value;
+        if (!(in >> value)) return false;
+        os.hostid = static_cast<long>(value);
     } else if (facility == "swap-count") {
         return static_cast<bool>(in >> os.swapCount);
     } else if (facility == "swap-list") {
