@@ -331,7 +331,7 @@ int Zone::readPoolInfo(ZoneInfo& info)
     pool_query_pool_resources_fn queryResources;
     pool_resource_to_elem_fn toElem;
     pool_value_get_uint64_fn getUint64;
-    // Results 2-8, then (after the value) 12-18: one per function missing.
+    // Results 2-8 and 12-18: one per function missing.
     if (!lib.find("pool_error", poolError, LIB_POOL, fn)) return 2;
     if (!lib.find("pool_strerror", poolStrerror, LIB_POOL, fn)) return 3;
     if (!lib.find("pool_conf_alloc", confAlloc, LIB_POOL, fn)) return 4;
@@ -339,6 +339,16 @@ int Zone::readPoolInfo(ZoneInfo& info)
     if (!lib.find("pool_dynamic_location", dynamicLocation, LIB_POOL, fn)) return 6;
     if (!lib.find("pool_get_property", getProperty, LIB_POOL, fn)) return 7;
     if (!lib.find("pool_value_alloc", valueAlloc, LIB_POOL, fn)) return 8;
+
+    // 12-18: looked up before the value is made, so that none is made
+    // that could not be given back.
+    if (!lib.find("pool_value_free", valueFree, LIB_POOL, fn)) return 12;
+    if (!lib.find("pool_conf_close", confClose, LIB_POOL, fn)) return 13;
+    if (!lib.find("pool_value_get_string", getString, LIB_POOL, fn)) return 14;
+    if (!lib.find("pool_get_pool", getPool, LIB_POOL, fn)) return 15;
+    if (!lib.find("pool_query_pool_resources", queryResources, LIB_POOL, fn)) return 16;
+    if (!lib.find("pool_resource_to_elem", toElem, LIB_POOL, fn)) return 17;
+    if (!lib.find("pool_value_get_uint64", getUint64, LIB_POOL, fn)) return 18;
 
     auto failed = [&](const char* function) {
         const int error = poolError();
@@ -351,22 +361,6 @@ int Zone::readPoolInfo(ZoneInfo& info)
         return 11;
     }
     int result = 0;
-    if (!lib.find("pool_value_free", valueFree, LIB_POOL, fn)) {
-        valueFree = nullptr;  // the value cannot be given back without it
-        result = 12;
-    } else if (!lib.find("pool_conf_close", confClose, LIB_POOL, fn)) {
-        result = 13;
-    } else if (!lib.find("pool_value_get_string", getString, LIB_POOL, fn)) {
-        result = 14;
-    } else if (!lib.find("pool_get_pool", getPool, LIB_POOL, fn)) {
-        result = 15;
-    } else if (!lib.find("pool_query_pool_resources", queryResources, LIB_POOL, fn)) {
-        result = 16;
-    } else if (!lib.find("pool_resource_to_elem", toElem, LIB_POOL, fn)) {
-        result = 17;
-    } else if (!lib.find("pool_value_get_uint64", getUint64, LIB_POOL, fn)) {
-        result = 18;
-    }
     pool_conf* conf = nullptr;
     bool open = false;
     if (result == 0) {
@@ -433,7 +427,7 @@ int Zone::readPoolInfo(ZoneInfo& info)
         }
     }
     std::free(resources);  // the library's malloc'd array is the caller's
-    if (valueFree) valueFree(value);
+    valueFree(value);
     if (open) confClose(conf);
     // Not one of the functions a pool read needs: the configuration is freed
     // when the library has it, and nothing is said when it has not.
