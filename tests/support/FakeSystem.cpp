@@ -175,7 +175,7 @@ int FakeSystem::open(const char* path, int)
     if (it == devices.end()) return failWith(ENOENT, -1);
     if (it->second.openErrno) return failWith(it->second.openErrno, -1);
     const int fd = m_nextFd++;
-    m_open[fd] = it->first;
+    m_open[fd] = OpenDevice{it->first, 0};
     return fd;
 }
 
@@ -189,18 +189,57 @@ int FakeSystem::ioctl(int fd, int request, void* arg)
 {
     auto it = m_open.find(fd);
     if (it == m_open.end()) return failWith(EBADF, -1);
-    const Device& device = devices[it->second];
+    const Device& device = devices[it->second.path];
     if (!device.ioctl) return failWith(ENOTTY, -1);
     return device.ioctl(request, arg);
 }
 
-ssize_t FakeSystem::read(int, void*, size_t) { return failWith(EINVAL, -1); }
+void FakeSystem::copyMemory(const Device& device, long long from, char* out, size_t length) const
+{
+    std::memset(out, 0, length);
+    for (const auto& run : device.memory) {
+        const long long start = std::max(from, static_cast<long long>(run.first));
+        const long long end = std::min(from + static_cast<long long>(length),
+                                       static_cast<long long>(run.first + run.second.size()));
+        if (start < end)
+            std::memcpy(out + (start - from), run.second.data() + (start - static_cast<long long>(run.first)),
+                        static_cast<size_t>(end - start));
+    }
+}
 
-long long FakeSystem::lseek(int, long long, int) { return failWith(EINVAL, -1); }
+ssize_t FakeSystem::read(int fd, void* buf, size_t count)
+{
+    auto it = m_open.find(fd);
+    if (it == m_open.end()) return failWith(EBADF, -1);
+    copyMemory(devices[it->second.path], it->second.offset, static_cast<char*>(buf), count);
+    it->second.offset += static_cast<long long>(count);
+    return static_cast<ssize_t>(count);
+}
 
-void* FakeSystem::mmap(size_t, int, long long) { return failWith(ENODEV, MAP_FAILED); }
+long long FakeSystem::lseek(int fd, long long offset, int whence)
+{
+    auto it = m_open.find(fd);
+    if (it == m_open.end() || whence != SEEK_SET) return failWith(EINVAL, -1LL);
+    return it->second.offset = offset;
+}
 
-int FakeSystem::munmap(void*, size_t) { return -1; }
+// A private copy: a caller writing into the mapping would be caught by ASan.
+void* FakeSystem::mmap(size_t length, int fd, long long offset)
+{
+    auto it = m_open.find(fd);
+    if (it == m_open.end()) return failWith(EBADF, MAP_FAILED);
+    const Device& device = devices[it->second.path];
+    if (device.mapFails) return failWith(ENODEV, MAP_FAILED);
+    auto* copy = new char[length ? length : 1];
+    copyMemory(device, offset, copy, length);
+    return copy;
+}
+
+int FakeSystem::munmap(void* addr, size_t)
+{
+    delete[] static_cast<char*>(addr);
+    return 0;
+}
 FakeSystem::~FakeSystem()
 {
     for (auto& stream : m_streams) std::fclose(stream.first);

@@ -64,6 +64,10 @@ public:
     struct Device {
         int openErrno = 0;  // non-zero: open fails with it
         std::function<int(int request, void* arg)> ioctl;  // empty: ENOTTY
+        // What read and mmap see: byte runs by their address (the memory
+        // device's physical memory); zeros elsewhere.
+        std::map<unsigned long long, std::string> memory;
+        bool mapFails = false;  // mmap fails: readers fall back to seek and read
     };
     std::map<std::string, Device> devices;
 
@@ -138,7 +142,12 @@ public:
     int runCommand(const std::vector<std::string>& argv, int timeoutSeconds, std::vector<std::string>& lines) override;
 
 private:
-    std::map<int, std::string> m_open;  // descriptor -> device path
+    struct OpenDevice {
+        std::string path;
+        long long offset = 0;
+    };
+    std::map<int, OpenDevice> m_open;
+    void copyMemory(const Device& device, long long from, char* out, size_t length) const;
     int m_nextFd = 1000;
     int m_openKstat = 0;
     int m_openLibraries = 0;

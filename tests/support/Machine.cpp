@@ -1,4 +1,5 @@
 #include "support/Machine.h"
+#include "support/Firmware.h"
 #include "support/TempDir.h"
 
 #include <dirent.h>
@@ -32,6 +33,7 @@ const std::map<std::string, int> kErrnoNames = {
 
 // The command the output lines (">") and "exit" that follow belong to.
 FakeSystem::Command* g_current = nullptr;
+std::vector<std::pair<std::string, std::string>> g_promProperties;
 
 bool readLine(const std::string& text, FakeSystem& os)
 {
@@ -77,6 +79,20 @@ bool readLine(const std::string& text, FakeSystem& os)
             *faults.at(what) = true;
         else
             return false;
+    } else if (facility == "smbios-system") {
+        // Manufacturer|Product|Version|Serial: a firmware table with that type 1.
+        std::string fields;
+        std::getline(in >> std::ws, fields);
+        std::vector<std::string> values;
+        std::istringstream split(fields);
+        for (std::string value; std::getline(split, value, '|');) values.push_back(value);
+        const std::string table = smbiosSystem(values) + smbiosStructure(127, std::string(4, '\0'), {});
+        installFirmware(os, smbiosEntryPoint(static_cast<uint16_t>(table.size()), 0xE1000, 2), table, 0xE1000);
+    } else if (facility == "prom-property") {
+        std::string value;
+        std::getline(in >> name >> std::ws, value);
+        g_promProperties.emplace_back(name, value);
+        installProm(os, g_promProperties);
     } else if (facility == "pool-fails") {
         std::string function;
         if (!(in >> function)) return false;
@@ -165,6 +181,7 @@ bool loadMachine(const std::string& dir, FakeSystem& os, std::string& error)
     }
     std::string line;
     g_current = nullptr;
+    g_promProperties.clear();
     for (int number = 1; std::getline(in, line); ++number) {
         if (line.rfind(">", 0) == 0) {  // command output keeps its blanks and '#'
             if (!readLine(line, os)) return (error = "machine.txt line " + std::to_string(number) + ": " + line), false;

@@ -4,6 +4,7 @@
 #if defined(__linux__)
 
 #include <sched.h>
+#include <sys/mman.h>
 #include <sys/sysinfo.h>
 #include <sys/utsname.h>
 #include <unistd.h>
@@ -104,8 +105,53 @@ void buildChain(LinuxKstatChain& chain)
     chain.ctl.kc_kd = -1;
 }
 
+std::string wholeFile(const char* path)
+{
+    std::ifstream in(path, std::ios::binary);
+    std::ostringstream out;
+    out << in.rdbuf();
+    return in ? out.str() : std::string();
+}
+
+// The Solaris memory device, as far as the SMBIOS reader needs it: a sparse
+// image of physical memory holding the firmware's entry point in the BIOS
+// area and, for a 32-bit entry point, its table at the address it gives.
+// -1 (ENOENT, as on a machine without the device) when Linux shows no tables.
+int openFirmwareMemory()
+{
+    const std::string entry = wholeFile("/sys/firmware/dmi/tables/smbios_entry_point");
+    const std::string table = wholeFile("/sys/firmware/dmi/tables/DMI");
+    if (entry.empty() || table.empty() || entry.size() > 0x100) {
+        errno = ENOENT;
+        return -1;
+    }
+    const int fd = memfd_create("xsvc", MFD_CLOEXEC);
+    if (fd < 0) return -1;
+    uint32_t address = 0;
+    if (entry.compare(0, 4, "_SM_") == 0 && entry.size() >= 0x1C)
+        std::memcpy(&address, entry.data() + 0x18, 4);  // the "_DMI_" part's table address, little-endian
+    const long long end = address ? static_cast<long long>(address) + static_cast<long long>(table.size()) : 0;
+    const bool ok = ftruncate(fd, static_cast<off_t>(end > 0x100000 ? end : 0x100000)) == 0 &&
+                    pwrite(fd, entry.data(), entry.size(), 0xF0000) == static_cast<ssize_t>(entry.size()) &&
+                    (!address || pwrite(fd, table.data(), table.size(), static_cast<off_t>(address)) ==
+                                     static_cast<ssize_t>(table.size()));
+    if (!ok) {
+        const int saved = errno;
+        ::close(fd);
+        errno = saved;
+        return -1;
+    }
+    return fd;
+}
+
 class LinuxSystem : public PosixSystem {
 public:
+    int open(const char* path, int flags) override
+    {
+        if (path && std::strcmp(path, "/dev/xsvc") == 0) return openFirmwareMemory();
+        return PosixSystem::open(path, flags);
+    }
+
     long sysinfo(int command, char* buf, long count) override
     {
         struct utsname u;

@@ -17,11 +17,11 @@
         KFLOAT(first + 17, "Zaap Threads")
 
 const korAttribDef COMPONENTID_ATTRS_DEF[] = {
-    KSTR(1, "Manufacturer", 64), KSTR(2, "Product", 128), KSTR(3, "Version", 64),
-    KSTR(4, "Serial Number", 64), KSTR(5, "Installation", 64), KSTR(6, "Verify", 64),
-    KSTR(7, "Type", 32), KSTR(8, "Model Class", 64), KSTR(9, "UUID", 64), KSTR(10, "Plant", 64),
-    KSTR(11, "Sequence Code", 64), KSTR(12, "Model", 64), KSTR(13, "HW Serial", 128),
-    KSTR(14, "Platform", 128), MAINFRAME_CPU_COUNTERS(15), KATTR_END};
+    KSTR(CID_MANUFACTURER, "Manufacturer", 64), KSTR(CID_PRODUCT, "Product", 128), KSTR(3, "Version", 64),
+    KSTR(CID_SERIAL_NUMBER, "Serial Number", 64), KSTR(5, "Installation", 64), KSTR(6, "Verify", 64),
+    KSTR(CID_TYPE, "Type", 32), KSTR(8, "Model Class", 64), KSTR(9, "UUID", 64), KSTR(10, "Plant", 64),
+    KSTR(11, "Sequence Code", 64), KSTR(12, "Model", 64), KSTR(CID_HW_SERIAL, "HW Serial", 128),
+    KSTR(CID_PLATFORM, "Platform", 128), MAINFRAME_CPU_COUNTERS(15), KATTR_END};
 
 const korAttribDef PROCESSOR_ATTRS_DEF[] = {
     KULONG(PROC_INDEX, "Index"), KSTR(PROC_ID, "ID", 32), KSTR(PROC_FAMILY, "Family", 32),
@@ -205,7 +205,7 @@ const uint32_t SAN_ADAPTER_KEYS_DEF[] = {1, 2};
 #define KGROUP_NOKEYS(id, name, attrs) {id, name, attrs, nullptr, 0, 1, 0}
 
 const korGroupDef GROUPS_DEF[] = {
-    KGROUP_NOKEYS(1, "ComponentID", COMPONENTID_ATTRS_DEF),
+    KGROUP_NOKEYS(COMPONENT_ID_GROUP, "ComponentID", COMPONENTID_ATTRS_DEF),
     KGROUP(PROCESSOR_GROUP, "Processor", PROCESSOR_ATTRS_DEF, PROCESSOR_KEYS_DEF),
     KGROUP_NOKEYS(MEMORY_GROUP, "Memory", MEMORY_ATTRS_DEF),
     KGROUP_NOKEYS(4, "Operating System", OPER_SYS_ATTRS_DEF),

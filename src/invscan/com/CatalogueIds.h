@@ -81,3 +81,13 @@ enum VirtualMachineAttrib : unsigned long {
     VM_TYPE = 13,
     VM_MOUNT_POINT = 14,
 };
+
+// "ComponentID": the attributes the identity row fills, in the order they are added.
+enum ComponentIdAttrib : unsigned long {
+    CID_MANUFACTURER = 1,
+    CID_PRODUCT = 2,
+    CID_SERIAL_NUMBER = 4,
+    CID_TYPE = 7,
+    CID_HW_SERIAL = 13,
+    CID_PLATFORM = 14,
+};
