@@ -70,6 +70,7 @@ public:
         bool mapFails = false;  // mmap fails: readers fall back to seek and read
     };
     std::map<std::string, Device> devices;
+    int openDescriptors() const { return static_cast<int>(m_open.size()); }
 
     // commands run through runCommand, by their arguments joined with blanks,
     // and through the shell (popen), by their text
