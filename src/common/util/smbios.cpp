@@ -152,7 +152,7 @@ int scan_SMBIOS(const SMBIOS_Locator* locator, SMBIOS_Callback callback, void* c
     const long length = locator->tableLength;
     long at = 0;
     for (int count = 0; count < locator->structureCount && at + 4 <= length; ++count) {
-        const unsigned formatted = table[at + 1];
+        const long formatted = table[at + 1];
         if (formatted < 4 || at + formatted > length) break;  // a header that cannot be right
         // The string set ends with two NULs, both inside the table.
         long end = at + formatted;
