@@ -2,4 +2,5 @@
 // no main) are compiled into this test directly.
 #include "probes/cpuid/Collect.cpp"
 #include "probes/cpuid/Decoder.cpp"
+#include "probes/cpuid/Firmware.cpp"
 #include "probes/cpuid/Shape.cpp"

@@ -87,7 +87,9 @@ TEST(CpuidTree, PrintsThePrescottCaptureExactly)
               "         ExtBrand:i=0\n"
               "      )\n"
               "   )\n"
-              ")\n");
+              ")\n"
+              // No firmware tables: the system is there, empty, and no host.
+              "(System\n   Manufacturer:s=\n   ProductName:s=\n   Version:s=\n   SerialNumber:s=\n   UUID:s=\n)\n");
 }
 
 // Read back the way the scanner reads a probe: header, then the dump.

@@ -19,6 +19,15 @@ std::string smbiosStructure(uint8_t type, std::string formatted, const std::vect
 std::string smbiosSystem(const std::vector<std::string>& fields);
 // The memory device: `entry` at the start of the BIOS area, `table` at `address`.
 void installFirmware(FakeSystem& os, const std::string& entry, const std::string& table, uint32_t address);
+// A firmware capture of ../shared/fixtures/smbios in any of its five layouts,
+// as the firmware would have it: the entry point, the table, and where the
+// table lies (a made-up 2.x entry point for layouts that keep none).
+struct FirmwareCapture {
+    std::string entry, table;
+    uint32_t address = 0;
+};
+FirmwareCapture readCapture(const std::string& dir, const std::string& prefix, const std::string& layout);
+
 // A PROM device whose root node has these properties, in this order.
 void installProm(FakeSystem& os, const std::vector<std::pair<std::string, std::string>>& properties);
 

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "probes/cpuid/Decoder.h"
+#include "probes/cpuid/Firmware.h"
 
 namespace cpuid {
 
@@ -20,10 +21,15 @@ struct Machine {
     int onlineCount = 0;                       // online by the OS's count
     std::string osArch;                        // e.g. "x86_64", "i386"
     std::string osKernelMode;                  // "64-bit" or "32-bit"
+    Firmware firmware;                         // what the SMBIOS tables say, when there are any
 };
 
 // Fills `machine`. False, with a reason in `error`, when nothing could be
 // read. Details go to `debug` when it is not null.
 bool gatherMachine(Machine& machine, std::string& error, FILE* debug);
+
+// The firmware's SMBIOS entry point and structure table (2.x or 3.x); false
+// when the machine shows none, which is no error.
+bool readFirmwareTables(std::string& entryPoint, std::string& table);
 
 }  // namespace cpuid

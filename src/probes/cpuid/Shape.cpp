@@ -146,6 +146,15 @@ VtNode* buildTree(const Machine& machine, const Decoded& decoded)
     addInt(table, "ActiveCoreCount", cores);
     addInt(table, "OnlineProcessorCount", machine.onlineCount);
     addInt(table, "ActiveProcessorCount", decoded.logicalCount);
+    const Firmware& fw = machine.firmware;
+    if (fw.hasProcessors) {  // what the firmware counts, sockets the OS does not see included
+        addInt(table, "BiosTotalProcessorCount", fw.totalThreads);
+        addInt(table, "BiosTotalCoreCount", fw.totalCores);
+        addInt(table, "BiosTotalPackageCount", fw.totalPackages);
+        addInt(table, "BiosActiveProcessorCount", fw.activeThreads);
+        addInt(table, "BiosActiveCoreCount", fw.activeCores);
+        addInt(table, "BiosActivePackageCount", fw.activePackages);
+    }
     if (!machine.osArch.empty()) addString(table, "OSSystemArch", machine.osArch);
     if (!machine.osKernelMode.empty()) addString(table, "OSKernelMode", machine.osKernelMode);
     for (const Package& pkg : decoded.packages) table->addChild(processorNode(machine, pkg));
@@ -155,7 +164,26 @@ VtNode* buildTree(const Machine& machine, const Decoded& decoded)
         VtNode* hv = newNode("Hypervisor");
         addString(hv, "Vendor", decoded.hypervisorVendor);
         if (!decoded.hypervisorInterface.empty()) addString(hv, "Interface", decoded.hypervisorInterface);
+        addString(hv, "Brand", brandFromFirmware(fw));
+        addString(hv, "Virtualization", virtualizationFromFirmware(fw));
         root->addChild(hv);
+    }
+    // Always there, empty where the firmware says nothing: a guest without
+    // tables is still known by its CPUID signature.
+    VtNode* system = newNode("System");
+    addString(system, "Manufacturer", fw.manufacturer);
+    addString(system, "ProductName", fw.productName);
+    addString(system, "Version", fw.version);
+    addString(system, "SerialNumber", fw.serialNumber);
+    addString(system, "UUID", fw.uuid);
+    root->addChild(system);
+    if (fw.hasBoard) {  // the base board (type 2) the system sits on
+        VtNode* host = newNode("Host");
+        addString(host, "Manufacturer", fw.boardManufacturer);
+        addString(host, "Product", fw.boardProduct);
+        addString(host, "Model", fw.boardVersion);
+        addString(host, "SerialNumber", fw.boardSerial);
+        root->addChild(host);
     }
     return root;
 }

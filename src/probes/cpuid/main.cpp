@@ -45,6 +45,9 @@ int run(FILE* debug)
         vtDumpResponse(RESULT_NO_CPUID, error.c_str());
         return 1;
     }
+    // Firmware facts are a bonus: a machine without tables is no error.
+    std::string entryPoint, table;
+    if (cpuid::readFirmwareTables(entryPoint, table)) machine.firmware = cpuid::parseFirmware(entryPoint, table);
     std::vector<cpuid::CpuDump> dumps;
     dumps.reserve(machine.processors.size());
     for (const cpuid::LogicalProcessor& lp : machine.processors) dumps.push_back(lp.dump);

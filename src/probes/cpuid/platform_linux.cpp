@@ -156,6 +156,19 @@ bool gatherMachine(Machine& machine, std::string& error, FILE* debug)
     return true;
 }
 
+bool readFirmwareTables(std::string& entryPoint, std::string& table)
+{
+    auto whole = [](const char* path, std::string& out) {
+        std::ifstream in(path, std::ios::binary);
+        std::ostringstream text;
+        text << in.rdbuf();
+        out = text.str();
+        return in.good() || in.eof() ? !out.empty() : false;
+    };
+    return whole("/sys/firmware/dmi/tables/smbios_entry_point", entryPoint) &&
+           whole("/sys/firmware/dmi/tables/DMI", table);
+}
+
 }  // namespace cpuid
 
 #endif

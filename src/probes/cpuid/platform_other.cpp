@@ -22,6 +22,8 @@ bool gatherMachine(Machine& machine, std::string& error, FILE* debug)
     return true;
 }
 
+bool readFirmwareTables(std::string&, std::string&) { return false; }
+
 }  // namespace cpuid
 
 #endif

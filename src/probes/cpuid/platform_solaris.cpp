@@ -4,6 +4,7 @@
 #if defined(__sun)
 
 #include <dlfcn.h>
+#include <fcntl.h>
 #include <kstat.h>
 #include <sys/processor.h>
 #include <sys/procset.h>
@@ -13,6 +14,7 @@
 
 #include <cerrno>
 #include <cstring>
+#include <string>
 
 #include "probes/cpuid/Collect.h"
 #include "probes/cpuid/Platform.h"
@@ -125,6 +127,52 @@ bool gatherMachine(Machine& machine, std::string& error, FILE* debug)
         machine.osKernelMode = machine.osArch == "amd64" ? "64-bit" : "32-bit";
     }
     return true;
+}
+
+namespace {
+// `length` bytes of physical memory at `address`, through the memory device.
+bool readPhysical(int fd, unsigned long long address, size_t length, std::string& out)
+{
+    out.assign(length, '\0');
+    size_t got = 0;
+    while (got < length) {
+        const ssize_t n = pread(fd, &out[got], length - got, static_cast<off_t>(address + got));
+        if (n < 0 && errno == EINTR) continue;
+        if (n <= 0) return false;
+        got += static_cast<size_t>(n);
+    }
+    return true;
+}
+}  // namespace
+
+// The entry point in the BIOS area (a 3.x one preferred), then its table.
+bool readFirmwareTables(std::string& entryPoint, std::string& table)
+{
+    const int fd = open("/dev/xsvc", O_RDONLY);
+    if (fd < 0) return false;
+    std::string area;
+    bool found = false;
+    if (readPhysical(fd, 0xF0000, 0x10000, area)) {
+        for (size_t at = 0; at + 0x20 <= area.size() && !found; at += 16) {
+            unsigned long long address = 0;
+            size_t length = 0;
+            if (area.compare(at, 5, "_SM3_") == 0) {
+                entryPoint = area.substr(at, 0x18);
+                length = static_cast<unsigned char>(area[at + 0x0C]) | (static_cast<unsigned char>(area[at + 0x0D]) << 8) |
+                         (static_cast<size_t>(static_cast<unsigned char>(area[at + 0x0E])) << 16);
+                for (int i = 7; i >= 0; --i) address = (address << 8) | static_cast<unsigned char>(area[at + 0x10 + static_cast<size_t>(i)]);
+            } else if (area.compare(at, 4, "_SM_") == 0) {
+                entryPoint = area.substr(at, 0x1F);
+                length = static_cast<unsigned char>(area[at + 0x16]) | (static_cast<unsigned char>(area[at + 0x17]) << 8);
+                for (int i = 3; i >= 0; --i) address = (address << 8) | static_cast<unsigned char>(area[at + 0x18 + static_cast<size_t>(i)]);
+            } else {
+                continue;
+            }
+            found = length > 0 && readPhysical(fd, address, length, table);
+        }
+    }
+    close(fd);
+    return found;
 }
 
 }  // namespace cpuid

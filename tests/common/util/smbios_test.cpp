@@ -16,41 +16,10 @@ namespace {
 
 using testsupport::FakeSystem;
 
-uint32_t at32(const std::string& s, size_t i)
-{
-    return getInt32_SMBIOS(reinterpret_cast<const unsigned char*>(s.data()) + i);
-}
-
-// Puts a capture, in any of its five layouts, where the firmware would have
-// it: the entry point in the BIOS area, the table at the address it gives
-// (a made-up 2.x entry point for the layouts that keep none).
 void loadCapture(FakeSystem& os, const std::string& dir, const std::string& prefix, const std::string& layout)
 {
-    const std::string base = dir + "/" + prefix;
-    auto read = [](const std::string& path) { return testsupport::readFile(path); };
-    auto made = [&os](const std::string& table, int major, int minor) {
-        testsupport::installFirmware(
-            os, testsupport::smbiosEntryPoint(static_cast<uint16_t>(table.size()), 0xE1000, 0xFFFF, major, minor),
-            table, 0xE1000);
-    };
-    if (layout == "dump-bin") {
-        const std::string d = read(base + ".dump-bin");
-        const bool sm3 = d.compare(0, 5, "_SM3_") == 0;
-        testsupport::installFirmware(os, d.substr(0, sm3 ? 0x18 : 0x1F), d.substr(0x20), sm3 ? 0x20 : at32(d, 0x18));
-    } else if (layout == "sysfs") {
-        const std::string sep = prefix.find("__") != std::string::npos && prefix.rfind("fwupd", 0) == 0 ? "__" : ".";
-        const std::string entry = read(base + sep + "smbios_entry_point"), table = read(base + sep + "DMI");
-        testsupport::installFirmware(os, entry, table, at32(entry, entry.compare(0, 5, "_SM3_") == 0 ? 0x10 : 0x18));
-    } else if (layout == "raw-table") {
-        made(read(base + ".raw-table"), 2, 7);
-    } else if (layout == "windows-rsmb") {
-        const std::string d = read(base + ".windows-rsmb.dat");
-        made(d.substr(8), d[1], d[2]);
-    } else {  // a memory image from 0xE0000, its entry point moved into the BIOS area
-        const std::string d = read(base + ".smbios-mem-e0000.dat");
-        os.devices["/dev/xsvc"].memory[0xE0000] = d;
-        os.devices["/dev/xsvc"].memory[0xF0000] = d.substr(0, 0x1F);
-    }
+    const testsupport::FirmwareCapture c = testsupport::readCapture(dir, prefix, layout);
+    testsupport::installFirmware(os, c.entry, c.table, c.address);
 }
 
 struct Outputs {
