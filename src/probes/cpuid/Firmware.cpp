@@ -3,6 +3,8 @@
 #include <cstdio>
 #include <cstring>
 
+#include "common/util/smbios.h"
+
 namespace cpuid {
 
 namespace {
@@ -10,25 +12,17 @@ namespace {
 unsigned at8(const std::string& s, size_t i) { return i < s.size() ? static_cast<unsigned char>(s[i]) : 0; }
 unsigned at16(const std::string& s, size_t i) { return at8(s, i) | (at8(s, i + 1) << 8); }
 
-// One structure as the walk found it.
+// One structure as the library's walk hands it over, read within its
+// formatted length.
 struct Structure {
-    const std::string* table;
-    size_t start, length;       // the formatted area
-    size_t strings;             // where its string set begins
-    unsigned byte(size_t offset) const { return offset < length ? at8(*table, start + offset) : 0; }
-    unsigned word(size_t offset) const { return offset + 1 < length ? at16(*table, start + offset) : 0; }
+    const unsigned char* bytes;
+    const char* strings;
+    size_t length;
+    unsigned byte(size_t offset) const { return offset < length ? bytes[offset] : 0; }
+    unsigned word(size_t offset) const { return offset + 1 < length ? bytes[offset] | (bytes[offset + 1] << 8) : 0; }
     std::string text(size_t offset) const
     {
-        unsigned n = byte(offset);
-        if (n == 0) return std::string();
-        size_t at = strings;
-        for (; n > 1 && at < table->size() && (*table)[at]; --n) {
-            const size_t zero = table->find('\0', at);
-            if (zero == std::string::npos) return std::string();
-            at = zero + 1;
-        }
-        const size_t end = table->find('\0', at);
-        std::string s = table->substr(at, end == std::string::npos ? std::string::npos : end - at);
+        std::string s = getString_SMBIOS(strings, static_cast<int>(byte(offset)));
         const size_t last = s.find_last_not_of(' ');  // firmware pads with blanks
         return last == std::string::npos ? std::string() : s.substr(0, last + 1);
     }
@@ -84,6 +78,32 @@ void takeProcessor(Firmware& f, const Structure& s)
 
 bool contains(const std::string& text, const char* part) { return text.find(part) != std::string::npos; }
 
+int takeStructure(const unsigned char* bytes, const char* strings, void* context)
+{
+    Firmware& f = *static_cast<Firmware*>(context);
+    const Structure s{bytes, strings, bytes[1]};
+    switch (bytes[0]) {
+    case 1:
+        f.manufacturer = s.text(4);
+        f.productName = s.text(5);
+        f.version = s.text(6);
+        f.serialNumber = s.text(7);
+        f.uuid = uuidText(s, f.major, f.minor);
+        break;
+    case 2:
+        if (f.hasBoard) break;  // the first board is the one the system sits on
+        f.hasBoard = true;
+        f.boardManufacturer = s.text(4);
+        f.boardProduct = s.text(5);
+        f.boardVersion = s.text(6);
+        f.boardSerial = s.text(7);
+        break;
+    case 4: takeProcessor(f, s); break;
+    case 127: return 1;  // the end of the table
+    }
+    return 0;
+}
+
 }  // namespace
 
 Firmware parseFirmware(const std::string& entry, const std::string& table)
@@ -101,33 +121,12 @@ Firmware parseFirmware(const std::string& entry, const std::string& table)
         return f;
     }
     f.present = true;
-    for (size_t at = 0, n = 0; n < count && at + 4 <= table.size(); ++n) {
-        const size_t length = at8(table, at + 1);
-        if (length < 4 || at + length > table.size()) break;
-        const size_t end = table.find(std::string(2, '\0'), at + length);
-        if (end == std::string::npos) break;
-        const Structure s{&table, at, length, at + length};
-        switch (at8(table, at)) {
-        case 1:
-            f.manufacturer = s.text(4);
-            f.productName = s.text(5);
-            f.version = s.text(6);
-            f.serialNumber = s.text(7);
-            f.uuid = uuidText(s, f.major, f.minor);
-            break;
-        case 2:
-            if (f.hasBoard) break;  // the first board is the one the system sits on
-            f.hasBoard = true;
-            f.boardManufacturer = s.text(4);
-            f.boardProduct = s.text(5);
-            f.boardVersion = s.text(6);
-            f.boardSerial = s.text(7);
-            break;
-        case 4: takeProcessor(f, s); break;
-        case 127: n = count; break;  // the end of the table
-        }
-        at = end + 2;
-    }
+    // The library's walk, over a table of any version: its bounds are the table's.
+    SMBIOS_Locator locator{};
+    locator.tableLength = static_cast<int>(table.size() < 0x7FFFFFFF ? table.size() : 0x7FFFFFFF);
+    locator.structureCount = static_cast<int>(count);
+    locator.table = reinterpret_cast<unsigned char*>(const_cast<char*>(table.data()));
+    scan_SMBIOS(&locator, takeStructure, &f);
     return f;
 }
 
