@@ -139,7 +139,7 @@ TEST_F(Cli, ListAndScanCoverEveryGroupInEachFormat)
         const std::string said = name + " (group " + std::to_string(group["id"].get<int>()) +
                                  (status == "no class" ? "): not built yet" : status == "no table" ? "): no table" : ",");
         EXPECT_NE(text.out.find(said), std::string::npos);
-        EXPECT_EQ(kor.out.find("--------Table " + name) != std::string::npos, status == "scanned");
+        EXPECT_EQ(kor.out.find("--------Table " + name + " (") != std::string::npos, status == "scanned");
     }
 }
 

@@ -90,7 +90,9 @@ void installProbes(const std::string& dir, const TempDir& home)
 {
     for (const char* probe : {"cpuid", "diskscan"}) {
         const std::string output = dir + "/probes/" + probe;
-        if (access(output.c_str(), R_OK) == 0) home.script(std::string("bin/") + probe, "cat '" + output + "'\n");
+        if (access(output.c_str(), R_OK) == 0)
+            home.script(std::string("bin/") + probe,
+                        "echo run >> '" + home.path() + "/" + probe + ".runs'\ncat '" + output + "'\n");
     }
 }
 
@@ -127,6 +129,9 @@ TEST_P(Machine, ScanGivesTheExpectedTables)
         GTEST_SKIP() << "wrote " << dir << "/expected.txt";
     }
     EXPECT_EQ(readFile(result), readFile(dir + "/expected.txt")) << "machine " << GetParam();
+    // Each probe runs once in a scan, however many groups read its tree.
+    for (const char* probe : {"cpuid", "diskscan"})
+        EXPECT_LE(readFile(home.path() + "/" + probe + ".runs").size(), std::string("run\n").size()) << probe;
 }
 
 // Test names may not hold '-': machine folders do.

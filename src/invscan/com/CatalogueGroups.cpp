@@ -147,9 +147,9 @@ const korAttribDef LPAR_ATTRS_DEF[] = {
     KATTR_END};
 
 const korAttribDef VIRTUAL_MACHINE_GUEST_ATTRS_DEF[] = {
-    KSTR(1, "UUID", 48), KSTR(2, "DynamicID", 16), KSTR(3, "MaxEntitlement", 16), KSTR(4, "CpuPercentage", 16),
+    KSTR(GUEST_UUID, "UUID", 48), KSTR(2, "DynamicID", 16), KSTR(3, "MaxEntitlement", 16), KSTR(4, "CpuPercentage", 16),
     KFLOAT(5, "CapacityInCores"), KSTR(6, "RsetID", 50), KULONG(7, "RsetCpuCount"), KSTR(8, "RsetCpuList", 500),
-    KSTR(9, "HypervisorType", 50), KATTR_END};
+    KSTR(GUEST_HYPERVISOR_TYPE, "HypervisorType", 50), KATTR_END};
 
 const korAttribDef CPU_METER_ATTRS_DEF[] = {
     KULONG(METER_IDLE_TIME, "IdleTime"), KULONG(METER_USER_TIME, "UserTime"), KULONG(METER_WAIT_TIME, "WaitTime"),
@@ -221,7 +221,7 @@ const korGroupDef GROUPS_DEF[] = {
     KGROUP(29, "PCI Device", PCI_DEVICE_ATTRS_DEF, PCI_DEVICE_KEYS_DEF),
     KGROUP(44, "PhysicalProcessor", PHYS_PROC_ATTRS_DEF, PHYS_PROC_KEYS_DEF),
     KGROUP_NOKEYS(34, "Lpar", LPAR_ATTRS_DEF),
-    KGROUP_NOKEYS(50, "VirtualMachineGuest", VIRTUAL_MACHINE_GUEST_ATTRS_DEF),
+    KGROUP_NOKEYS(VIRTUAL_MACHINE_GUEST_GROUP, "VirtualMachineGuest", VIRTUAL_MACHINE_GUEST_ATTRS_DEF),
     KGROUP_NOKEYS(CPU_METER_GROUP, "CpuMeter", CPU_METER_ATTRS_DEF),
     KGROUP_NOKEYS(UNIX_CPU_METER_GROUP, "UnixCpuMeter", CPU_UNIX_METER_ATTRS_DEF),
     KGROUP(VIRTUAL_MACHINE_GROUP, "VirtualMachine", VIRTUAL_MACHINE_ATTRS_DEF, VIRTUAL_MACHINE_KEYS_DEF),

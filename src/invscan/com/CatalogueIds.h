@@ -91,3 +91,9 @@ enum ComponentIdAttrib : unsigned long {
     CID_HW_SERIAL = 13,
     CID_PLATFORM = 14,
 };
+
+// "VirtualMachineGuest": what a guest's row carries.
+enum VirtualMachineGuestAttrib : unsigned long {
+    GUEST_UUID = 1,
+    GUEST_HYPERVISOR_TYPE = 9,
+};

@@ -1,0 +1,36 @@
+#include "invscan/solaris/VirtualMachineGuestGroup.h"
+
+#include "framework/Trace.h"
+#include "invscan/com/CatalogueIds.h"
+#include "invscan/com/GroupRegistry.h"
+#include "invscan/com/KorTable.h"
+#include "invscan/com/VirtualMachineInfo.h"
+
+namespace {
+const char* const kSource = "./../../../src/invscan/solaris/VirtualMachineGuestGroup";
+const char* const kFunction = "getTable()";
+}  // namespace
+
+VirtualMachineGuestGroup::VirtualMachineGuestGroup() : KorGroup(VIRTUAL_MACHINE_GUEST_GROUP, 1) {}
+
+KorTable* VirtualMachineGuestGroup::getTable()
+{
+    const int log = getCcLogHw();
+    CcLogWrapper::traceMidEntry(log, __LINE__, kSource, kFunction, "hardware %s", "VirtualMachineGuestGroup");
+    VirtualMachineInfo info;
+    KorTable* table = nullptr;
+    if (getVirtualMachineInfo(info) && info.isVirtualMachine) {
+        const char* type = VirtualMachineInfo::virtualizationNames[info.virtualizationType];
+        table = new KorTable(getGroupId(), getGroupVersion());
+        auto* row = new KorTableRow;
+        CcLogWrapper::traceMAX(log, __LINE__, kSource, kFunction, "hardware UUID = %s ", info.uuid.c_str());
+        row->addAttrib(new KorTableAttrib(GUEST_UUID, info.uuid.c_str()));
+        CcLogWrapper::traceMAX(log, __LINE__, kSource, kFunction, "hardware Hypervisor type = %s ", type);
+        row->addAttrib(new KorTableAttrib(GUEST_HYPERVISOR_TYPE, type));
+        table->addRow(row);
+    }
+    CcLogWrapper::traceMidExit(log, __LINE__, kSource, kFunction, "hardware %s", "VirtualMachineGuestGroup");
+    return table;
+}
+
+INVSCAN_REGISTER_GROUP(VIRTUAL_MACHINE_GUEST_GROUP, VirtualMachineGuestGroup);
