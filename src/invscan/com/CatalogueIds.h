@@ -97,3 +97,25 @@ enum VirtualMachineGuestAttrib : unsigned long {
     GUEST_UUID = 1,
     GUEST_HYPERVISOR_TYPE = 9,
 };
+
+// "Lpar": the capacity row, in the order its attributes are added.
+enum LparAttrib : unsigned long {
+    LPAR_ID = 2,
+    LPAR_SHARED_POOL_ID = 3,
+    LPAR_NODE_CAPACITY = 4,
+    LPAR_NODE_CAPACITY_CORES = 8,
+    LPAR_CAPACITY = 5,
+    LPAR_CAPACITY_CORES = 9,
+    LPAR_POOL_CAPACITY = 6,
+    LPAR_POOL_CAPACITY_CORES = 10,
+    LPAR_PROCESSOR_SET_NAME = 33,
+    LPAR_TYPE = 32,
+    LPAR_ONLINE_VP_COUNT = 11,
+    LPAR_ONLINE_PROCESSOR_COUNT = 24,
+    LPAR_ONLINE_CORE_COUNT = 25,
+    LPAR_ONLINE_PACKAGE_COUNT = 26,
+    LPAR_SERIAL_NUMBER = 7,
+    LPAR_NODE_TOTAL_PROCESSORS = 29,
+    LPAR_NODE_TOTAL_CORES = 30,
+    LPAR_NODE_TOTAL_PACKAGES = 31,
+};

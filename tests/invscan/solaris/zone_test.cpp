@@ -11,7 +11,11 @@
 #include "invscan/com/GroupFactory.h"
 #include "invscan/solaris/Zone.h"
 #include "support/FakeSystem.h"
+#include "support/TableReader.h"
 #include "support/TempDir.h"
+
+#include <map>
+#include <set>
 
 namespace {
 
@@ -137,6 +141,41 @@ TEST(ZoneOnThisMachine, RepeatedScansFindNoZonesAndLeaveNothingBehind)
     EXPECT_TRUE(capture.contains("no table: this machine has no zones"));
     EXPECT_EQ(testsupport::openDescriptorCount(), descriptors);
     EXPECT_FALSE(testsupport::hasZombieChild());
+}
+
+}  // namespace
+
+namespace {
+
+// Packages and cores as the kernel's topology counts them.
+std::pair<int, int> sysfsTopology()
+{
+    std::set<std::string> packages, cores;
+    for (int cpu = 0;; ++cpu) {
+        const std::string dir = "/sys/devices/system/cpu/cpu" + std::to_string(cpu) + "/topology/";
+        const std::string package = testsupport::readFile(dir + "physical_package_id");
+        if (package.empty()) break;
+        packages.insert(package);
+        cores.insert(package + ":" + testsupport::readFile(dir + "core_id"));
+    }
+    return {static_cast<int>(packages.size()), static_cast<int>(cores.size())};
+}
+
+TEST(LparOnThisMachine, NodeCapacityIsTheTopologyAndThereIsNoZone)
+{
+    const auto topology = sysfsTopology();
+    if (topology.first == 0) GTEST_SKIP() << "no processor topology in sysfs";
+    sys::setCurrent(nullptr);
+    testsupport::ScopedEnv home("NIM_HOMEDIR", (std::string(INVSCAN_BIN_DIR) + "/..").c_str());
+    std::unique_ptr<KorGroup> group(GroupFactory::getInstance()->getGroup("Lpar"));
+    std::unique_ptr<KorTable> table(group->getTable());
+    ASSERT_NE(table, nullptr);
+    const std::vector<testsupport::Row> rows = testsupport::readTable(*table);
+    std::map<unsigned long, KorValue> row;
+    for (const KorValue& v : rows.at(0)) row[v.id] = v;
+    EXPECT_EQ(row.at(4).real, topology.first);   // Node Capacity
+    EXPECT_EQ(row.at(8).real, topology.second);  // Node Capacity In Cores
+    for (unsigned long outside : {5, 9, 6, 10}) EXPECT_EQ(row.at(outside).real, -1.0) << outside;
 }
 
 }  // namespace
