@@ -308,6 +308,14 @@ int Zone::getPoolNameForCurrentProcess(std::string& poolName)
 
 int Zone::readPoolInfo(ZoneInfo& info)
 {
+    const int result = readPoolFacts(info);
+    // After the library is closed, whatever the step that ended the read.
+    ZONE_TRACE(traceMAX, "readPoolInfo()", "FINISHED with result=%d", result);
+    return result;
+}
+
+int Zone::readPoolFacts(ZoneInfo& info)
+{
     const char* fn = "readPoolInfo()";
     if (info.sharedPoolName.empty()) {
         ZONE_TRACE(traceMAX, fn, "%s", "the shared pool has no name, no information to read");
@@ -433,7 +441,6 @@ int Zone::readPoolInfo(ZoneInfo& info)
     // when the library has it, and nothing is said when it has not.
     pool_conf_free_fn confFree = nullptr;
     if (conf && lib.find("pool_conf_free", confFree)) confFree(conf);
-    ZONE_TRACE(traceMAX, fn, "FINISHED with result=%d", result);
     return result;
 }
 

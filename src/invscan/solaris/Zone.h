@@ -77,6 +77,8 @@ public:
                                  std::string& out);
 
 private:
+    int readPoolFacts(ZoneInfo& info);  // readPoolInfo's steps, each returning its result
+
     ZoneInfo m_info;
     std::vector<ZoneInfo> m_children;
     bool m_insideZone = false;
