@@ -36,3 +36,17 @@ VtExecInfo* getCpuidVT()
     }
     return probes::g_cpuid;
 }
+
+bool vtResultUsable(VtExecInfo* info, const char* source, const char* function)
+{
+    if (!info) {
+        CcLogWrapper::traceMIN(getCcLogHw(), __LINE__, source, function, "[E] %s", "Cannot execute VT command");
+        return false;
+    }
+    if (info->result != 0 || !info->root) {
+        CcLogWrapper::traceMIN(getCcLogHw(), __LINE__, source, function, "[E] VT command returned %d data=%p",
+                               info->result, static_cast<void*>(info->root));
+        return false;
+    }
+    return true;
+}

@@ -76,14 +76,7 @@ bool readChip(VtNode* table, int c, LparChips& chips, int& sumTotalCores)
 bool gatherLparChips(VtExecInfo* info, LparChips& chips)
 {
     chips = LparChips();
-    if (!info) {
-        LPAR_TRACE(traceMIN, "[E] %s", "Cannot execute VT command");
-        return false;
-    }
-    if (info->result != 0 || !info->root) {
-        LPAR_TRACE(traceMIN, "[E] VT command returned %d data=%p", info->result, static_cast<void*>(info->root));
-        return false;
-    }
+    if (!vtResultUsable(info, kSource, kFunction)) return false;
     auto value = [info](const char* name) { return vtGetValue(info, "ProcessorTable", name, -1); };
     chips.activePackages = value("ActivePackageCount");
     chips.totalPackages = value("TotalPackageCount");

@@ -57,14 +57,7 @@ long rowLimit()
 bool gatherProcessorFacts(VtExecInfo* info, ProcessorFacts& facts)
 {
     facts = ProcessorFacts();
-    if (!info) {
-        PROC_TRACE(traceMIN, "[E] %s", "Cannot execute VT command");
-        return false;
-    }
-    if (info->result != 0 || !info->root) {
-        PROC_TRACE(traceMIN, "[E] VT command returned %d data=%p", info->result, static_cast<void*>(info->root));
-        return false;
-    }
+    if (!vtResultUsable(info, kSource, kFunction)) return false;
     VtNode* processors = vtGetNode(info, "ProcessorTable", 0);
     if (!processors) {
         PROC_TRACE(traceMIN, "ERROR: %s", "missing ProcessorTable");
