@@ -77,6 +77,8 @@ std::string scanMachine(const std::string& dir)
     if (os.openKstatHandles() != 0) out += "LEAK: kernel statistics left open\n";
     if (os.openLibraries() != 0) out += "LEAK: libraries left open\n";
     if (os.openStreams() != 0) out += "LEAK: command pipes left open\n";
+    if (os.openDirectories() != 0) out += "LEAK: directories left open\n";
+    if (os.openDescriptors() != 0) out += "LEAK: devices left open\n";
 
     std::istringstream wanted(readFile(dir + "/trace.txt"));
     std::string line;

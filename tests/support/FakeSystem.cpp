@@ -163,11 +163,36 @@ int FakeSystem::p_online(processorid_t cpu, int)
     return it->second;
 }
 
-// What the fake does not model yet fails as on a machine without it.
-sys::Dir* FakeSystem::opendir(const char*) { return failWith(ENOENT, nullptr); }
+namespace {
+struct FakeDir : sys::Dir {
+    std::vector<std::string> entries;
+    size_t next = 0;
+};
+}  // namespace
 
-const char* FakeSystem::readdir(sys::Dir*) { return nullptr; }
-int FakeSystem::closedir(sys::Dir*) { return -1; }
+sys::Dir* FakeSystem::opendir(const char* path)
+{
+    auto it = directories.find(path ? path : "");
+    if (it == directories.end()) return failWith(ENOENT, nullptr);
+    auto* dir = new FakeDir;
+    dir->entries = it->second;
+    ++m_openDirs;
+    return dir;
+}
+
+const char* FakeSystem::readdir(sys::Dir* dir)
+{
+    auto* d = static_cast<FakeDir*>(dir);
+    return d && d->next < d->entries.size() ? d->entries[d->next++].c_str() : nullptr;
+}
+
+int FakeSystem::closedir(sys::Dir* dir)
+{
+    if (!dir) return failWith(EBADF, -1);
+    delete dir;
+    --m_openDirs;
+    return 0;
+}
 
 int FakeSystem::open(const char* path, int)
 {

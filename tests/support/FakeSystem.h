@@ -59,8 +59,11 @@ public:
     int psetFailsOnCall = 0;
     std::map<processorid_t, int> processorStates;
 
-    // devices that can be opened and controlled; directories, reads and
-    // mappings are not modelled yet and fail
+    // Directories by path: their entries in the order readdir gives them.
+    std::map<std::string, std::vector<std::string>> directories;
+    int openDirectories() const { return m_openDirs; }
+
+    // devices that can be opened and controlled, read and mapped
     struct Device {
         int openErrno = 0;  // non-zero: open fails with it
         std::function<int(int request, void* arg)> ioctl;  // empty: ENOTTY
@@ -151,6 +154,7 @@ private:
     void copyMemory(const Device& device, long long from, char* out, size_t length) const;
     int m_nextFd = 1000;
     int m_openKstat = 0;
+    int m_openDirs = 0;
     int m_openLibraries = 0;
     std::map<FILE*, int> m_streams;  // stream -> status pclose reports
 };

@@ -1,4 +1,5 @@
 #include "support/Machine.h"
+#include "support/Disks.h"
 #include "support/Firmware.h"
 #include "support/TempDir.h"
 
@@ -29,11 +30,114 @@ const std::map<std::string, int> kSysinfoNames = {
 };
 
 const std::map<std::string, int> kErrnoNames = {
-    {"EOVERFLOW", EOVERFLOW}, {"ENOSYS", ENOSYS}, {"EFAULT", EFAULT}, {"ENOMEM", ENOMEM}, {"EIO", EIO}};
+    {"EOVERFLOW", EOVERFLOW}, {"ENOSYS", ENOSYS}, {"EFAULT", EFAULT}, {"ENOMEM", ENOMEM},
+    {"EIO", EIO},           {"ENXIO", ENXIO},   {"EACCES", EACCES}, {"EPERM", EPERM}};
 
 // The command the output lines (">") and "exit" that follow belong to.
 FakeSystem::Command* g_current = nullptr;
 std::vector<std::pair<std::string, std::string>> g_promProperties;
+std::map<std::string, FakeDisk> g_disks;
+
+// "key=value" words; a value in double quotes may hold blanks.
+std::map<std::string, std::string> keyValues(std::istream& in)
+{
+    std::map<std::string, std::string> out;
+    std::string rest, word;
+    std::getline(in, rest);
+    for (size_t i = 0; i < rest.size();) {
+        if (rest[i] == ' ') {
+            ++i;
+            continue;
+        }
+        const size_t equals = rest.find('=', i);
+        if (equals == std::string::npos) break;
+        const std::string key = rest.substr(i, equals - i);
+        size_t end;
+        if (equals + 1 < rest.size() && rest[equals + 1] == '"') {
+            end = rest.find('"', equals + 2);
+            out[key] = rest.substr(equals + 2, end - equals - 2);
+            i = end == std::string::npos ? rest.size() : end + 1;
+        } else {
+            end = rest.find(' ', equals);
+            out[key] = rest.substr(equals + 1, end == std::string::npos ? std::string::npos : end - equals - 1);
+            i = end == std::string::npos ? rest.size() : end;
+        }
+    }
+    return out;
+}
+
+std::vector<std::string> fields(const std::string& text, char separator)
+{
+    std::vector<std::string> out;
+    std::istringstream split(text);
+    for (std::string f; std::getline(split, f, separator);) out.push_back(f);
+    return out;
+}
+
+unsigned long number(const std::vector<std::string>& f, size_t i)
+{
+    return i < f.size() ? std::stoul(f[i], nullptr, 0) : 0;
+}
+
+// "disk NAME key=value...": what one physical disk answers (see README.md).
+bool readDisk(const std::string& name, std::istream& in)
+{
+    FakeDisk d;
+    for (const auto& kv : keyValues(in)) {
+        const std::vector<std::string> f = fields(kv.second, kv.first == "inquiry" ? '|' : ',');
+        if (kv.first == "ctl") {
+            std::snprintf(d.controller.dki_cname, DK_DEVLEN, "%s", f.empty() ? "" : f[0].c_str());
+            std::snprintf(d.controller.dki_dname, DK_DEVLEN, "%s", "sd");
+            d.controller.dki_ctype = static_cast<ushort_t>(number(f, 1));
+            d.controller.dki_cnum = static_cast<ushort_t>(number(f, 2));
+            d.controller.dki_unit = static_cast<uint_t>(number(f, 3));
+        } else if (kv.first == "geom") {
+            d.geometry.dkg_ncyl = static_cast<unsigned short>(number(f, 0));
+            d.geometry.dkg_nhead = static_cast<unsigned short>(number(f, 1));
+            d.geometry.dkg_nsect = static_cast<unsigned short>(number(f, 2));
+        } else if (kv.first == "sectorsz") {
+            d.label.v_sectorsz = static_cast<ushort_t>(number(f, 0));
+        } else if (kv.first == "tags") {
+            d.label.v_nparts = static_cast<ushort_t>(f.size());
+            for (size_t i = 0; i < f.size() && i < V_NUMPAR; ++i) d.label.v_part[i].p_tag = static_cast<ushort_t>(number(f, i));
+        } else if (kv.first == "label") {
+            std::snprintf(d.label.v_asciilabel, LEN_DKL_ASCII, "%s", kv.second.c_str());
+        } else if (kv.first == "inquiry") {
+            if (f.size() != 5) return false;
+            d.inquiry = scsiInquiry(static_cast<unsigned char>(number(f, 0)), f[1], f[2], f[3], f[4]);
+        } else if (kv.first == "capacity") {
+            d.capacity = bigEndian(number(f, 0), 4) + bigEndian(number(f, 1), 4);
+        } else if (kv.first == "format") {
+            d.formatPage = modeSense(formatPage(static_cast<unsigned>(number(f, 0)), static_cast<unsigned>(number(f, 1))));
+        } else if (kv.first == "geometry") {
+            d.geometryPage = modeSense(rigidGeometryPage(static_cast<unsigned>(number(f, 0)), static_cast<unsigned>(number(f, 1))));
+        } else if (kv.first == "fails") {
+            d.failing = kv.second;
+        } else {
+            return false;
+        }
+    }
+    g_disks[name] = d;
+    return true;
+}
+
+// "rdsk ENTRY [DISK | open-fails ERRNO]": the next raw-disk directory entry.
+bool readRawDiskEntry(std::istream& in, FakeSystem& os)
+{
+    std::string entry, what, error;
+    if (!(in >> entry)) return false;
+    os.directories["/dev/rdsk"].push_back(entry);
+    const std::string path = "/dev/rdsk/" + entry;
+    if (!(in >> what)) return (os.devices[path].openErrno = ENXIO), true;  // nothing answers there
+    if (what == "open-fails") {
+        if (!(in >> error) || !kErrnoNames.count(error)) return false;
+        os.devices[path].openErrno = kErrnoNames.at(error);
+        return true;
+    }
+    if (!g_disks.count(what)) return false;
+    installDisk(os, path, g_disks.at(what));
+    return true;
+}
 
 bool readLine(const std::string& text, FakeSystem& os)
 {
@@ -54,7 +158,16 @@ bool readLine(const std::string& text, FakeSystem& os)
     if (facility == "exit") return g_current && static_cast<bool>(in >> g_current->status);
     if (facility == "start-fails") return g_current && (g_current->fails = true);
     g_current = nullptr;
-    if (facility == "pid") {
+    if (facility == "env") {
+        // Set in the scan's own process: each machine is scanned in a child.
+        std::string value;
+        std::getline(in >> name >> std::ws, value);
+        return setenv(name.c_str(), value.c_str(), 1) == 0;
+    } else if (facility == "disk") {
+        return in >> name && readDisk(name, in);
+    } else if (facility == "rdsk") {
+        return readRawDiskEntry(in, os);
+    } else if (facility == "pid") {
         return static_cast<bool>(in >> os.pid);
     } else if (facility == "pset") {
         for (processorid_t cpu; in >> cpu;) os.psetCpus.push_back(cpu);
@@ -182,6 +295,7 @@ bool loadMachine(const std::string& dir, FakeSystem& os, std::string& error)
     std::string line;
     g_current = nullptr;
     g_promProperties.clear();
+    g_disks.clear();
     for (int number = 1; std::getline(in, line); ++number) {
         if (line.rfind(">", 0) == 0) {  // command output keeps its blanks and '#'
             if (!readLine(line, os)) return (error = "machine.txt line " + std::to_string(number) + ": " + line), false;

@@ -119,3 +119,32 @@ enum LparAttrib : unsigned long {
     LPAR_NODE_TOTAL_CORES = 30,
     LPAR_NODE_TOTAL_PACKAGES = 31,
 };
+
+// "Storage": one row a disk, CD/DVD drive, floppy or PCMCIA device, in the
+// order the attributes are added ("Security Enabled", 11, is never set).
+enum StorageAttrib : unsigned long {
+    STOR_INDEX = 1,
+    STOR_ID = 2,
+    STOR_TYPE = 3,
+    STOR_MODEL = 4,
+    STOR_MANUFACTURER = 5,
+    STOR_SERIAL_NUMBER = 6,
+    STOR_CYLINDERS = 7,
+    STOR_SECTORS = 8,
+    STOR_HEADS = 9,
+    STOR_TOTAL_SIZE = 10,
+    STOR_DEVICE = 12,
+    STOR_IS_SAN_DISK = 13,
+    STOR_WWNN = 14,
+    STOR_WWPN = 15,
+    STOR_SAN_ADAPTER = 16,
+};
+
+// "Storage" row types: values of the catalogue's storage type list.
+enum StorageType : unsigned long {
+    STORAGE_TYPE_UNKNOWN = 1,
+    STORAGE_TYPE_CDROM = 17,
+    STORAGE_TYPE_FLOPPY = 29,
+    STORAGE_TYPE_HARD_DISK = 30,
+    STORAGE_TYPE_MEMORY_CARD = 31,
+};

@@ -6,49 +6,32 @@
 
 #include "framework/Trace.h"
 #include "invscan/solaris/scsiscan.h"
-#include "support/FakeSystem.h"
+#include "support/Disks.h"
 
 namespace {
 
+using namespace testsupport;
 using Bytes = std::string;
+
+// Answers: INQUIRY, READ CAPACITY, page 3, page 4; empty: the command fails.
+struct Device {
+    Bytes inquiry, capacity, format = Bytes(), geometry = Bytes();
+};
 
 Bytes inquiry(unsigned char type, const char* vendor, const char* product, const char* revision, const char* serial)
 {
-    Bytes b(48, ' ');
-    b[0] = static_cast<char>(type);
-    b.replace(8, std::strlen(vendor), vendor);
-    b.replace(16, std::strlen(product), product);
-    b.replace(32, std::strlen(revision), revision);
-    b.replace(36, std::strlen(serial), serial);
-    return b;
+    return scsiInquiry(type, vendor, product, revision, serial);
 }
+Bytes be(unsigned long long v, int n) { return bigEndian(v, n); }
 
-Bytes be(unsigned long long v, int n)
+void install(FakeSystem& os, const Device& d)
 {
-    Bytes b(static_cast<size_t>(n), '\0');
-    for (int i = n - 1; i >= 0; --i, v >>= 8) b[static_cast<size_t>(i)] = static_cast<char>(v & 0xFF);
-    return b;
-}
-
-// A MODE SENSE(6) answer: a header, an 8-byte block descriptor, the page.
-Bytes modeSense(Bytes page) { return Bytes("\0\0\0\x08", 4) + Bytes(8, '\0') + page; }
-
-struct Device {
-    Bytes inquiry, capacity, format = Bytes(), geometry = Bytes();  // empty: the command fails
-};
-
-// The raw disk path, answering each command from `d`.
-void install(testsupport::FakeSystem& os, const Device& d)
-{
-    os.devices["/dev/rdsk/c0t0d0s2"].ioctl = [d](int request, void* arg) {
-        auto* block = static_cast<uscsi_cmd*>(arg);
-        if (request != USCSICMD) return errno = ENOTTY, -1;
-        const auto* cdb = reinterpret_cast<const unsigned char*>(block->uscsi_cdb);
-        const Bytes& answer = cdb[0] == 0x12 ? d.inquiry : cdb[0] == 0x25 ? d.capacity : cdb[2] == 3 ? d.format : d.geometry;
-        if (answer.empty()) return errno = EIO, -1;
-        std::memcpy(block->uscsi_bufaddr, answer.data(), answer.size());
-        return 0;
-    };
+    FakeDisk disk;
+    disk.inquiry = d.inquiry;
+    disk.capacity = d.capacity;
+    disk.formatPage = d.format;
+    disk.geometryPage = d.geometry;
+    installDisk(os, "/dev/rdsk/c0t0d0s2", disk);
 }
 
 struct Result {
@@ -62,16 +45,16 @@ struct Result {
 
 void scan(const Device& d, Result& r)
 {
-    testsupport::FakeSystem os;
+    FakeSystem os;
     install(os, d);
-    testsupport::ScopedSystem scope(os);
+    ScopedSystem scope(os);
     char path[] = "/dev/rdsk/c0t0d0s2";
     r.returned = SCSIscan(path, &r.info);
     EXPECT_EQ(os.openDescriptors(), 0);
 }
 
-const Bytes kPage3 = Bytes("\x03\x16", 2) + Bytes(8, '\0') + be(63, 2) + be(512, 2) + Bytes(10, '\0');
-const Bytes kPage4 = Bytes("\x04\x16\x01\x23\x45\x10", 6) + Bytes(18, '\0');
+const Bytes kPage3 = formatPage(63, 512);
+const Bytes kPage4 = rigidGeometryPage(0x012345, 0x10);
 
 TEST(ScsiScan, ADiskIsReadWholeAndTheResultIsInverted)
 {
@@ -134,8 +117,8 @@ TEST(ScsiScan, DecodersOverTheEdges)
 TEST(ScsiScan, BadPathsAndCleanStrings)
 {
     trace::Capture capture;
-    testsupport::FakeSystem os;
-    testsupport::ScopedSystem scope(os);
+    FakeSystem os;
+    ScopedSystem scope(os);
     SCSIinfo info{};
     info.sizeMB = 77;
     char empty[] = "";
