@@ -141,13 +141,13 @@ bool nextLine(const std::string& text, size_t& pos, size_t size, std::string& li
     return true;
 }
 
-// The text after `label` up to `stop` (exclusive, or the end of the line).
+// The text after `label` up to `stop` (exclusive; null or absent: the end of the line).
 std::string textAfter(const std::string& line, const char* label, const char* stop)
 {
     const size_t at = line.find(label);
     if (at == std::string::npos) return std::string();
     const size_t from = at + std::strlen(label);
-    const size_t to = line.find(stop, from);
+    const size_t to = stop ? line.find(stop, from) : std::string::npos;
     return line.substr(from, to == std::string::npos ? std::string::npos : to - from);
 }
 
@@ -402,7 +402,7 @@ KorTableRow* reportCDROMs(char* name, int* index, const std::string& iostatOutpu
         if (state == 1) {
             vendor = textAfter(line, "Vendor: ", " ");
             product = textAfter(line, "Product: ", "Revision: ");
-            serial = textAfter(line, "Serial No: ", "");
+            serial = textAfter(line, "Serial No: ", nullptr);
             const size_t end = std::find_if(serial.begin(), serial.end(),
                                             [](char c) { return static_cast<unsigned char>(c) <= ' '; }) -
                                serial.begin();
