@@ -1,24 +1,30 @@
 // Real answers on Linux, in Solaris shapes. What Linux has no equivalent for
-// (disk, SCSI and PROM controls, the memory device) fails as it would on a
-// Solaris machine without that facility.
+// (the PROM device) fails as it would on a Solaris machine without it.
 #if defined(__linux__)
 
+#include <fcntl.h>
+#include <scsi/sg.h>
 #include <sched.h>
+#include <sys/ioctl.h>
 #include <sys/mman.h>
 #include <sys/sysinfo.h>
 #include <sys/utsname.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
+#include <map>
 #include <memory>
+#include <mutex>
 #include <sstream>
 #include <string>
 
 #include "common/sys/KstatChain.h"
+#include "common/sys/LinuxDisks.h"
 #include "common/sys/PosixSystem.h"
 
 namespace sys {
@@ -144,12 +150,120 @@ int openFirmwareMemory()
     return fd;
 }
 
+const char* const kRawDiskDir = "/dev/rdsk";
+
+// The raw-disk directory: Linux's whole disks and optical drives.
+class RawDiskDir : public Dir {
+public:
+    std::vector<std::string> entries;
+    size_t next = 0;
+};
+
+// An open raw disk: the device itself when it opens, otherwise its sysfs
+// folder, whose facts then answer every request.
+struct OpenDisk {
+    linuxdisks::Disk disk;
+    int unit;
+    bool device;
+};
+
+// A command's whole output as a stream that can be read and closed.
+FILE* streamOver(const std::string& text)
+{
+    const int fd = memfd_create("answer", MFD_CLOEXEC);
+    if (fd < 0) return nullptr;
+    FILE* f = nullptr;
+    if (write(fd, text.data(), text.size()) == static_cast<ssize_t>(text.size()) && lseek(fd, 0, SEEK_SET) == 0)
+        f = fdopen(fd, "r");
+    if (!f) ::close(fd);
+    return f;
+}
+
+// A SCSI command through the kernel's pass-through; false with errno set.
+bool passThrough(int fd, uscsi_cmd& cmd)
+{
+    unsigned char sense[32];
+    sg_io_hdr_t io{};
+    io.interface_id = 'S';
+    io.dxfer_direction = SG_DXFER_FROM_DEV;
+    io.cmd_len = cmd.uscsi_cdblen;
+    io.mx_sb_len = sizeof sense;
+    io.dxfer_len = static_cast<unsigned>(cmd.uscsi_buflen);
+    io.dxferp = cmd.uscsi_bufaddr;
+    io.cmdp = reinterpret_cast<unsigned char*>(cmd.uscsi_cdb);
+    io.sbp = sense;
+    io.timeout = static_cast<unsigned>(cmd.uscsi_timeout > 0 ? cmd.uscsi_timeout : 20) * 1000;
+    if (::ioctl(fd, SG_IO, &io) < 0) return false;
+    cmd.uscsi_status = static_cast<short>(io.status);
+    cmd.uscsi_resid = static_cast<size_t>(io.resid);
+    if (io.status != 0 || io.host_status != 0 || (io.driver_status & ~SG_INFO_OK_MASK & 0xF) != 0) {
+        if (cmd.uscsi_status == 0) cmd.uscsi_status = 2;
+        errno = EIO;
+        return false;
+    }
+    return true;
+}
+
 class LinuxSystem : public PosixSystem {
 public:
     int open(const char* path, int flags) override
     {
         if (path && std::strcmp(path, "/dev/xsvc") == 0) return openFirmwareMemory();
+        if (path && std::strncmp(path, kRawDiskDir, std::strlen(kRawDiskDir)) == 0 &&
+            path[std::strlen(kRawDiskDir)] == '/')
+            return openDisk(path + std::strlen(kRawDiskDir) + 1, flags);
         return PosixSystem::open(path, flags);
+    }
+
+    int close(int fd) override
+    {
+        {
+            std::lock_guard<std::mutex> hold(m_lock);
+            m_disks.erase(fd);
+        }
+        return PosixSystem::close(fd);
+    }
+
+    Dir* opendir(const char* path) override
+    {
+        if (!path || std::strcmp(path, kRawDiskDir) != 0) return PosixSystem::opendir(path);
+        auto* dir = new RawDiskDir;
+        for (const linuxdisks::Disk& d : linuxdisks::listDisks()) dir->entries.push_back(d.entry);
+        return dir;
+    }
+
+    const char* readdir(Dir* dir) override
+    {
+        auto* listed = dynamic_cast<RawDiskDir*>(dir);
+        if (!listed) return PosixSystem::readdir(dir);
+        return listed->next < listed->entries.size() ? listed->entries[listed->next++].c_str() : nullptr;
+    }
+
+    FILE* popen(const char* command, const char* mode) override
+    {
+        std::string output;
+        if (!command || !mode || mode[0] != 'r' || !linuxdisks::answerCommand(command, "/sys", output))
+            return PosixSystem::popen(command, mode);
+        FILE* stream = streamOver(output);
+        if (stream) {
+            std::lock_guard<std::mutex> hold(m_lock);
+            m_answered[stream] = output.empty() ? 1 : 0;  // grep finding nothing exits 1
+        }
+        return stream;
+    }
+
+    int pclose(FILE* stream) override
+    {
+        int status = 0;
+        {
+            std::lock_guard<std::mutex> hold(m_lock);
+            auto it = m_answered.find(stream);
+            if (it == m_answered.end()) return PosixSystem::pclose(stream);
+            status = it->second;
+            m_answered.erase(it);
+        }
+        std::fclose(stream);
+        return status << 8;  // as wait(2) encodes an exit status
     }
 
     long sysinfo(int command, char* buf, long count) override
@@ -340,14 +454,67 @@ public:
         return online == "0" ? P_OFFLINE : P_ONLINE;
     }
 
-    // Solaris disk, SCSI and PROM requests mean nothing to a Linux driver.
-    int ioctl(int, int, void*) override
+    // Disk and SCSI requests on an open raw disk; the PROM's and any other
+    // Solaris request mean nothing to a Linux driver.
+    int ioctl(int fd, int request, void* arg) override
     {
-        errno = ENOTTY;
-        return -1;
+        OpenDisk open;
+        {
+            std::lock_guard<std::mutex> hold(m_lock);
+            auto it = m_disks.find(fd);
+            if (it == m_disks.end() || !arg) {
+                errno = ENOTTY;
+                return -1;
+            }
+            open = it->second;
+        }
+        const linuxdisks::Disk& d = open.disk;
+        switch (request) {
+        case DKIOCINFO: linuxdisks::controllerInfo(d, open.unit, *static_cast<dk_cinfo*>(arg)); return 0;
+        case DKIOCGGEOM: linuxdisks::geometry(d, *static_cast<dk_geom*>(arg)); return 0;
+        case DKIOCGVTOC: linuxdisks::label(d, *static_cast<vtoc*>(arg)); return 0;
+        case USCSICMD: {
+            auto& cmd = *static_cast<uscsi_cmd*>(arg);
+            if (open.device) {
+                if (passThrough(fd, cmd)) return 0;
+                if (errno != ENOTTY && errno != EINVAL && errno != ENOSYS) return -1;
+            }
+            return linuxdisks::emulateScsi(d, cmd) ? 0 : -1;  // a device without SCSI: its facts answer
+        }
+        default: errno = ENOTTY; return -1;
+        }
     }
 
 private:
+    int openDisk(const char* entry, int flags)
+    {
+        const std::vector<linuxdisks::Disk> disks = linuxdisks::listDisks();
+        auto it = std::find_if(disks.begin(), disks.end(), [entry](const linuxdisks::Disk& d) { return d.entry == entry; });
+        if (it == disks.end()) {
+            errno = ENOENT;
+            return -1;
+        }
+        // A drive without a medium opens only for control, as on Solaris.
+        if (it->optical && it->bytes == 0 && !(flags & (O_NONBLOCK | O_NDELAY))) {
+            errno = ENXIO;
+            return -1;
+        }
+        OpenDisk open{*it, static_cast<int>(it - disks.begin()), true};
+        int fd = ::open(("/dev/" + it->kernelName).c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+        if (fd < 0) {
+            open.device = false;  // refused (not root, or a locked-down VM): sysfs still knows the disk
+            fd = ::open(("/sys/block/" + it->kernelName).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+            if (fd < 0) return -1;
+        }
+        std::lock_guard<std::mutex> hold(m_lock);
+        m_disks[fd] = open;
+        return fd;
+    }
+
+    std::mutex m_lock;
+    std::map<int, OpenDisk> m_disks;
+    std::map<FILE*, int> m_answered;  // streams of answered commands -> their exit status
+
     struct Swap {
         std::string path;
         unsigned long long sizeKB;
