@@ -10,6 +10,8 @@
 #include <cstring>
 #include <set>
 #include <string>
+#include <unordered_map>
+#include <vector>
 
 #include "common/sys/System.h"
 #include "common/vartree/vtree.h"
@@ -216,8 +218,34 @@ void reportByListing(KorTable& table, int& index, const std::string& command, co
     os.pclose(stream);
 }
 
+// A "Disk" node of the diskscan tree, with its place among them.
+struct NumberedDisk {
+    int number;
+    const VtNode* node;
+};
+
+// The tree's disks by "Id", each list in tree order. Built once for the
+// tree (the probe runs once per process): a SAN host has a thousand disks
+// and asks for each of them.
+const std::vector<NumberedDisk>& disksWithId(const VtNode* table, const std::string& id)
+{
+    static const VtNode* indexed = nullptr;
+    static std::unordered_map<std::string, std::vector<NumberedDisk>> byId;
+    static const std::vector<NumberedDisk> none;
+    if (indexed != table) {
+        byId.clear();
+        int number = 0;
+        for (const VtNode* disk = table->children; disk; disk = disk->next)
+            if (disk->name && std::strcmp(disk->name, "Disk") == 0)
+                byId[disk->getValue(nullptr, "Id", "")].push_back({number++, disk});
+        indexed = table;
+    }
+    auto it = byId.find(id);
+    return it == byId.end() ? none : it->second;
+}
+
 // Looks the disk up in the diskscan probe's tree: 1 when found, with its SAN
-// facts; 0 (facts untouched) otherwise.
+// facts; 0 (facts untouched) otherwise. Later matches overwrite earlier ones.
 int getMoreScsiInfo(std::string deviceName, std::string& isSan, std::string& wwnn, std::string& wwpn,
                     std::string& sanAdapter)
 {
@@ -237,24 +265,33 @@ int getMoreScsiInfo(std::string deviceName, std::string& isSan, std::string& wwn
         ST_TRACE(traceMIN, fn, "%s", "ERROR! Failed to get root node");
         return 0;
     }
-    const VtNode* disks = root->getChild("DiskTable", 0);
-    if (!disks) {
+    const VtNode* table = root->getChild("DiskTable", 0);
+    if (!table) {
         ST_TRACE(traceMIN, fn, "%s", "ERROR! Failed to get disk table");
         return 0;
     }
-    int result = 0, number = 0;
-    for (const VtNode* disk = disks->children; disk; disk = disk->next) {
-        if (!disk->name || std::strcmp(disk->name, "Disk") != 0) continue;
+    // Traced in full, every disk is looked at; otherwise only the matches.
+    std::vector<NumberedDisk> candidates;
+    if (trace::enabled(trace::Level::Max)) {
+        int number = 0;
+        for (const VtNode* disk = table->children; disk; disk = disk->next)
+            if (disk->name && std::strcmp(disk->name, "Disk") == 0) candidates.push_back({number++, disk});
+    } else {
+        candidates = disksWithId(table, deviceName);
+    }
+    int result = 0;
+    for (const NumberedDisk& candidate : candidates) {
+        const VtNode* disk = candidate.node;
         const char* id = disk->getValue(nullptr, "Id", "");
         const int san = disk->getValue(nullptr, "isSAN", 0);
         const char* diskWwnn = disk->getValue(nullptr, "WWNN", "");
         const char* diskWwpn = disk->getValue(nullptr, "WWPN", "");
-        ST_TRACE(traceMAX, fn, "Checking disk #%d: id=%s", number++, id);
+        ST_TRACE(traceMAX, fn, "Checking disk #%d: id=%s", candidate.number, id);
         if (deviceName != id) {
             ST_TRACE(traceMAX, fn, "%s", "Devices don't match, skipping.");
             continue;
         }
-        ST_TRACE(traceMAX, fn, "disk #%d issan=%d wwnn=%s wwpn=%s", number - 1, san, diskWwnn, diskWwpn);
+        ST_TRACE(traceMAX, fn, "disk #%d issan=%d wwnn=%s wwpn=%s", candidate.number, san, diskWwnn, diskWwpn);
         const VtNode* hba = disk->getChild("HBA", 0);
         if (!hba && san == 1) ST_TRACE(traceMIN, fn, "%s", "ERROR! Failed to find hba node for SAN disk");
         if (hba) {
