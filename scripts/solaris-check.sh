@@ -8,7 +8,7 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 # Every seam source but the Linux one is built on Solaris, and the probes'
 # Solaris platform files.
-sources=($(ls src/common/sys/*.cpp | grep -v LinuxSystem.cpp) src/probes/*/platform_solaris.cpp)
+sources=($(ls src/common/sys/*.cpp | grep -v Linux) src/probes/*/platform_solaris.cpp)
 status=0
 for source in "${sources[@]}"; do
   if ! g++ -std=c++17 -m32 -D__sun -fsyntax-only -Wall -Wextra -Wpedantic -Wshadow -Werror -Wno-unused-parameter \
