@@ -327,7 +327,9 @@ unsigned long labelSizeMB(const dk_geom& g, const vtoc& v)
     if (v.v_sectorsz == 0) return 0;
     const unsigned long long sectors = static_cast<unsigned long long>(g.dkg_ncyl) * g.dkg_nsect * g.dkg_nhead;
     if (v.v_sectorsz > 1024) return static_cast<unsigned long>(sectors * v.v_sectorsz / (1024 * 1024));
-    const float mb = static_cast<float>(sectors) / static_cast<float>(1024 / v.v_sectorsz) * (1.0f / 1024.0f);
+    volatile float mb = static_cast<float>(sectors);  // stored at each step, as on every processor
+    mb = mb / static_cast<float>(1024 / v.v_sectorsz);
+    mb = mb * (1.0f / 1024.0f);
     return static_cast<unsigned long>(mb);
 }
 

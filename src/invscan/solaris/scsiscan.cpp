@@ -150,7 +150,11 @@ int ScsiCapacityDecode(void* data, SCSIinfo* info)
         // (2048 on optical media, 4096 on 4Kn disks) give the true size instead.
         size = static_cast<unsigned long>(static_cast<unsigned long long>(blocks) * length / (1024 * 1024));
     } else if (length > 0) {
-        const float mb = static_cast<float>(blocks) / static_cast<float>(1024 / length) * (1.0f / 1024.0f);
+        // Single precision at every step: stored, so that x87 registers'
+        // extra precision cannot round 2097151 blocks of 512 differently.
+        volatile float mb = static_cast<float>(blocks);
+        mb = mb / static_cast<float>(1024 / length);
+        mb = mb * (1.0f / 1024.0f);
         size = static_cast<unsigned long>(mb);
     }
     info->sizeMB = size;
