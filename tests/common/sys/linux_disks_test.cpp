@@ -6,6 +6,7 @@
 #include <cstring>
 #include <map>
 #include <memory>
+#include <sstream>
 
 #include "common/sys/LinuxDisks.h"
 #include "common/sys/System.h"
@@ -38,23 +39,19 @@ void buildSysfs(const TempDir& t)
     t.write("block/vda/vda1/size", "2048\n");
     link("block/vda/device", root + "/devices/pci0/virtio1");
 
-    t.write("devices/ata1/0:0:0:0/vendor", "ATA     \n");
-    t.write("devices/ata1/0:0:0:0/model", "Samsung SSD 860 \n");
-    t.write("devices/ata1/0:0:0:0/rev", "4B6Q\n");
-    t.write("devices/ata1/0:0:0:0/type", "0\n");
-    t.write("devices/ata1/0:0:0:0/vpd_pg80", std::string("\0\x80\0\x0fS3Z9NB0K123456A", 19));
-    t.write("class/scsi_host/host0/proc_name", "ahci\n");
-    t.write("block/sda/size", "1953525168\n");
-    t.write("block/sda/queue/logical_block_size", "512\n");
-    link("block/sda/device", root + "/devices/ata1/0:0:0:0");
-
-    t.write("devices/ata2/1:0:0:0/vendor", "HL-DT-ST\n");
-    t.write("devices/ata2/1:0:0:0/model", "DVD+-RW GHB0N   \n");
-    t.write("devices/ata2/1:0:0:0/rev", "A101\n");
-    t.write("devices/ata2/1:0:0:0/type", "5\n");
-    t.write("class/scsi_host/host1/proc_name", "ahci\n");
-    t.write("block/sr0/size", "0\n");
-    link("block/sr0/device", root + "/devices/ata2/1:0:0:0");
+    // A SCSI device HOST:0:0:0 under an ahci host, as block/NAME.
+    auto scsi = [&](const std::string& name, int host, const std::string& facts, const std::string& sectors) {
+        const std::string device = "devices/ata/" + std::to_string(host) + ":0:0:0";
+        std::istringstream lines(facts);  // "file=value" lines
+        for (std::string line; std::getline(lines, line);)
+            t.write(device + "/" + line.substr(0, line.find('=')), line.substr(line.find('=') + 1) + "\n");
+        t.write("class/scsi_host/host" + std::to_string(host) + "/proc_name", "ahci\n");
+        t.write("block/" + name + "/size", sectors + "\n");
+        link("block/" + name + "/device", root + "/" + device);
+    };
+    scsi("sda", 0, "vendor=ATA     \nmodel=Samsung SSD 860 \nrev=4B6Q\ntype=0", "1953525168");
+    t.write("devices/ata/0:0:0:0/vpd_pg80", std::string("\0\x80\0\x0fS3Z9NB0K123456A", 19));
+    scsi("sr0", 1, "vendor=HL-DT-ST\nmodel=DVD+-RW GHB0N   \nrev=A101\ntype=5", "0");
 
     t.write("devices/platform/floppy.0/uevent", "");
     t.write("block/fd0/size", "2880\n");
