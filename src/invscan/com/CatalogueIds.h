@@ -148,3 +148,24 @@ enum StorageType : unsigned long {
     STORAGE_TYPE_HARD_DISK = 30,
     STORAGE_TYPE_MEMORY_CARD = 31,
 };
+
+// "PartitionToStorage": one row a partition and a disk that holds it.
+enum PartitionToStorageAttrib : unsigned long {
+    P2S_INDEX = 1,
+    P2S_PARTITION_ACCESS_POINT = 2,
+    P2S_STORAGE_DEVICE = 3,
+};
+
+// "SAN Adapter": one row a host bus adapter port.
+enum SanAdapterAttrib : unsigned long {
+    SAN_INDEX = 1,
+    SAN_ID = 2,
+    SAN_DESCRIPTION = 3,
+    SAN_WWNN = 4,
+    SAN_WWPN = 5,
+    SAN_MANUFACTURER = 6,
+    SAN_MODEL = 7,
+    SAN_SERIAL_NUMBER = 8,
+    SAN_STATE = 9,
+    SAN_SPEED = 10,
+};

@@ -20,8 +20,8 @@
 #include "invscan/com/GroupRegistry.h"
 #include "invscan/com/KorTable.h"
 #include "invscan/com/md5.h"
-#include "invscan/com/probeVT.h"
 #include "invscan/solaris/ComponentIDGroup.h"
+#include "invscan/solaris/DiskScanTree.h"
 #include "invscan/solaris/scsiscan.h"
 
 namespace {
@@ -234,10 +234,7 @@ const std::vector<NumberedDisk>& disksWithId(const VtNode* table, const std::str
     static const std::vector<NumberedDisk> none;
     if (indexed != table) {
         byId.clear();
-        int number = 0;
-        for (const VtNode* disk = table->children; disk; disk = disk->next)
-            if (disk->name && std::strcmp(disk->name, "Disk") == 0)
-                byId[disk->getValue(nullptr, "Id", "")].push_back({number++, disk});
+        forEachChild(table, "Disk", [](int number, const VtNode* disk) { byId[textOf(disk, "Id")].push_back({number, disk}); });
         indexed = table;
     }
     auto it = byId.find(id);
@@ -251,20 +248,8 @@ int getMoreScsiInfo(std::string deviceName, std::string& isSan, std::string& wwn
 {
     const char* fn = "getMoreScsiInfo()";
     ST_TRACE(traceMAX, fn, "hardware i_name=%s", deviceName.c_str());
-    VtExecInfo* info = getDiskScanVT();
-    if (!info) {
-        ST_TRACE(traceMIN, fn, "%s", "ERROR! Failed to execute diskscan command");
-        return 0;
-    }
-    if (info->result != 0) {
-        ST_TRACE(traceMIN, fn, "ERROR! diskscan command failed with error=%d", info->result);
-        return 0;
-    }
-    const VtNode* root = info->root ? info->root->getChild("ScsiInfo", 0) : nullptr;
-    if (!root) {
-        ST_TRACE(traceMIN, fn, "%s", "ERROR! Failed to get root node");
-        return 0;
-    }
+    const VtNode* root = diskScanInfo(kSource, fn);
+    if (!root) return 0;
     const VtNode* table = root->getChild("DiskTable", 0);
     if (!table) {
         ST_TRACE(traceMIN, fn, "%s", "ERROR! Failed to get disk table");
@@ -273,9 +258,7 @@ int getMoreScsiInfo(std::string deviceName, std::string& isSan, std::string& wwn
     // Traced in full, every disk is looked at; otherwise only the matches.
     std::vector<NumberedDisk> candidates;
     if (trace::enabled(trace::Level::Max)) {
-        int number = 0;
-        for (const VtNode* disk = table->children; disk; disk = disk->next)
-            if (disk->name && std::strcmp(disk->name, "Disk") == 0) candidates.push_back({number++, disk});
+        forEachChild(table, "Disk", [&candidates](int number, const VtNode* disk) { candidates.push_back({number, disk}); });
     } else {
         candidates = disksWithId(table, deviceName);
     }
