@@ -93,7 +93,7 @@ std::vector<Disk> listDisks(const std::string& sysfs)
         Disk d;
         d.kernelName = name;
         const std::string address = linkName(dir + "/device");
-        d.scsi = std::sscanf(address.c_str(), "%d:%*d:%d:%d", &d.host, &d.target, &d.lun) == 3;
+        d.scsi = std::sscanf(address.c_str(), "%d:%d:%d:%d", &d.host, &d.channel, &d.target, &d.lun) == 4;
         const std::string type = attribute(dir + "/device/type");
         d.optical = type == "5" || name.compare(0, 2, "sr") == 0;
         d.driver = d.scsi ? attribute(sysfs + "/class/scsi_host/host" + std::to_string(d.host) + "/proc_name")

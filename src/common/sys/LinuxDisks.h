@@ -19,7 +19,7 @@ struct Disk {
     std::string entry;       // its raw-disk directory name: the kernel name; cHtTdLs2 for a drive
     bool optical = false;
     bool scsi = false;       // it has a SCSI address (host, target, lun)
-    int host = 0, target = 0, lun = 0;
+    int host = 0, channel = 0, target = 0, lun = 0;
     std::string driver;      // the controller's driver, for the controller description
     std::string vendor, model, revision, serial;
     unsigned long long bytes = 0;  // 0: no medium

@@ -2,6 +2,7 @@
 // The variable tree and its node-dump text format: named nodes carrying
 // named, typed values, as the probe programs print them.
 #include <memory>
+#include <string>
 
 #include "common/vartree/VtStream.h"
 
@@ -88,6 +89,13 @@ private:
     int m_pos = 0;
     int m_fill = 0;
 };
+
+// Building a tree, as the probes do: a new node the caller owns, and values
+// added to one. Strings keep printable ASCII only (anything else becomes
+// '?'): a dump value ends at a line break and readers' locales differ.
+VtNode* vtNewNode(const char* name);
+void vtAddInt(VtNode* node, const char* name, long value);
+void vtAddString(VtNode* node, const char* name, const std::string& value);
 
 int vtParseNodeDump(VtILineStream* in, VtNode* root);
 VtNode* vtParseNodeDump(VtILineStream* in);  // a root named "", or null on error

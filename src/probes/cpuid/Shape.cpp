@@ -6,42 +6,9 @@ namespace cpuid {
 
 namespace {
 
-// A dump value ends at a line break and is cut at bytes the reader's locale
-// may not accept: keep printable ASCII only.
-std::string printable(const std::string& text)
-{
-    std::string out = text;
-    for (char& c : out) {
-        auto u = static_cast<unsigned char>(c);
-        if (u < 0x20 || u >= 0x7F) c = '?';
-    }
-    return out;
-}
-
-VtNode* newNode(const char* name)
-{
-    auto* node = new VtNode;
-    node->name = vtStrDup(name);
-    return node;
-}
-
-void addInt(VtNode* node, const char* name, long value)
-{
-    auto* v = new VtVariant;
-    v->name = vtStrDup(name);
-    v->type = VT_INT;
-    v->value.i = static_cast<int>(value);
-    node->addValue(v);
-}
-
-void addString(VtNode* node, const char* name, const std::string& value)
-{
-    auto* v = new VtVariant;
-    v->name = vtStrDup(name);
-    v->type = VT_STRING;
-    v->value.s = vtStrDup(printable(value).c_str());
-    node->addValue(v);
-}
+VtNode* newNode(const char* name) { return vtNewNode(name); }
+void addInt(VtNode* node, const char* name, long value) { vtAddInt(node, name, value); }
+void addString(VtNode* node, const char* name, const std::string& value) { vtAddString(node, name, value); }
 
 const char* typeName(uint32_t type)
 {

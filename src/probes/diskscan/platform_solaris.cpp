@@ -1,0 +1,110 @@
+// Solaris: the raw-disk directory, the mount table, the ZFS pools under
+// the mounts, and the Fibre Channel ports of "fcinfo hba-port". Each
+// command is bounded by a time-out.
+#if defined(__sun)
+
+#include <dirent.h>
+
+#include <algorithm>
+#include <fstream>
+#include <map>
+#include <sstream>
+
+#include "common/sys/System.h"
+#include "probes/diskscan/Scan.h"
+
+namespace diskscan {
+namespace {
+
+const int kCommandSeconds = 60;
+
+std::string output(const std::vector<std::string>& argv)
+{
+    std::vector<std::string> lines;
+    std::string text;
+    if (sys::platform().runCommand(argv, kCommandSeconds, lines) < 0) return text;
+    for (const std::string& line : lines) text += line + "\n";
+    return text;
+}
+
+// "c0t0d0s0" -> "c0t0d0": the disk a slice or partition name belongs to.
+std::string diskOf(const std::string& name)
+{
+    const size_t d = name.rfind('d');
+    if (d == std::string::npos) return name;
+    size_t end = d + 1;
+    while (end < name.size() && name[end] >= '0' && name[end] <= '9') ++end;
+    return name.substr(0, end);
+}
+
+}  // namespace
+
+bool gatherScan(Scan& scan, std::string& error, FILE* debug)
+{
+    // One Id per disk: its backup slice s2, else its whole-disk p0, else its first entry.
+    std::map<std::string, std::string> idOf;
+    if (DIR* dir = opendir("/dev/rdsk")) {
+        while (const dirent* e = readdir(dir)) {
+            const std::string name = e->d_name;
+            if (name[0] == '.') continue;
+            std::string& id = idOf[diskOf(name)];
+            const std::string slice = name.substr(diskOf(name).size());
+            if (id.empty() || slice == "s2" || (slice == "p0" && id.compare(id.size() - 2, 2, "s2") != 0))
+                id = "/dev/rdsk/" + name;
+        }
+        closedir(dir);
+    }
+    scan.hbas = parseFcinfoHbaPort(output({"/usr/sbin/fcinfo", "hba-port"}));
+    for (const auto& disk : idOf) {
+        DiskFact f;
+        f.id = disk.second;
+        const std::string controller = disk.first.substr(0, disk.first.find('t'));
+        for (const HbaPort& h : scan.hbas) {
+            if (h.id != controller) continue;
+            f.san = f.viaHba = true;
+            f.hbaId = h.id;
+            f.hbaWwnn = h.wwnn;
+            f.hbaWwpn = h.wwpn;
+            // A fabric target's port name is the target part of the disk's name.
+            const std::string target = disk.first.substr(controller.size() + 1, disk.first.rfind('d') - controller.size() - 1);
+            if (target.size() == 16) f.wwpn = target;
+        }
+        if (debug) std::fprintf(debug, "disk %s san %d\n", f.id.c_str(), f.san ? 1 : 0);
+        scan.disks.push_back(f);
+    }
+
+    std::ifstream mnttab("/etc/mnttab");
+    std::ostringstream text;
+    text << mnttab.rdbuf();
+    std::map<std::string, std::vector<std::string>> pools;
+    bool poolsRead = false;
+    for (const Mount& m : parseSolarisMounts(text.str())) {
+        PartitionFact p{m.mountPoint, m.special, m.type, {}};
+        std::vector<std::string> devices;
+        if (m.special.compare(0, 9, "/dev/dsk/") == 0) {
+            devices.push_back(m.special.substr(9));
+        } else if (m.type == "zfs") {
+            if (!poolsRead) pools = parseZpoolStatus(output({"/usr/sbin/zpool", "status"})), poolsRead = true;
+            const auto it = pools.find(m.special.substr(0, m.special.find('/')));
+            if (it != pools.end()) devices = it->second;
+        } else {
+            continue;  // no disk under it (proc, tmpfs, nfs, ...)
+        }
+        for (const std::string& device : devices) {
+            const auto it = idOf.find(diskOf(device));
+            if (it != idOf.end() && std::find(p.disks.begin(), p.disks.end(), it->second) == p.disks.end())
+                p.disks.push_back(it->second);
+        }
+        if (debug) std::fprintf(debug, "mount %s on %s: %zu disks\n", m.special.c_str(), m.mountPoint.c_str(), p.disks.size());
+        scan.partitions.push_back(p);
+    }
+    if (scan.disks.empty() && scan.partitions.empty() && scan.hbas.empty()) {
+        error = "no disk, mount or adapter could be read";
+        return false;
+    }
+    return true;
+}
+
+}  // namespace diskscan
+
+#endif  // __sun
