@@ -11,6 +11,9 @@ namespace testsupport {
 // The folder of captures of that kind; empty when it is absent.
 std::string fixturePath(const std::string& kind);
 bool inCI();
+// A capture's text without its provenance header (the lines up to and
+// including "#==== END OF PROVENANCE HEADER ====", where there are any).
+std::string captureText(const std::string& path);
 
 }  // namespace testsupport
 
