@@ -27,7 +27,7 @@ build: deps build/CMakeCache.txt
 
 # Only what a scan needs: the library, the probes and the command line.
 scan: deps build/CMakeCache.txt
-	@$(call BUILD,build,invscan-cli cpuid)
+	@$(call BUILD,build,invscan-cli cpuid diskscan)
 	@build/bin/invscan scan
 
 test: build
