@@ -70,6 +70,17 @@ TEST(DiskscanParsers, PoolsGiveTheDevicesThatHoldTheirData)
     EXPECT_EQ(two["zones"].back(), "c0t55CD2E404B636939d0p0");
 }
 
+TEST(DiskscanParsers, MetadevicesDownToTheirSlices)
+{
+    REQUIRE_FIXTURES(dir, "solaris-storage");
+    auto md = parseMetastat(captureText(dir + "/opensvc_opensvc__devtree-sunos__metastat_-p.txt") +
+                            "d20 -r c1t0d0s3 /dev/dsk/c1t1d0s3 -k -i 32b\nhsp001 c2t0d0s0\n");
+    EXPECT_EQ(joined(md["d11"]), "d2 d3");  // the pass number is no part
+    EXPECT_EQ(joined(md["d2"]), "c3t0d0s1");
+    EXPECT_EQ(joined(md["d20"]), "c1t0d0s3 c1t1d0s3");
+    EXPECT_EQ(md.count("hsp001"), 0u);
+}
+
 TEST(DiskscanParsers, MountInfoUndoesEscapes)
 {
     const std::vector<Mount> m = parseMountInfo(

@@ -174,4 +174,25 @@ std::map<std::string, std::vector<std::string>> parseZpoolStatus(const std::stri
     return pools;
 }
 
+std::map<std::string, std::vector<std::string>> parseMetastat(const std::string& text)
+{
+    auto isMetadevice = [](const std::string& w) {
+        return w.size() > 1 && w[0] == 'd' && w.find_first_not_of("0123456789", 1) == std::string::npos;
+    };
+    auto isSlice = [](const std::string& w) {
+        return (w.size() > 1 && w[0] == 'c' && w[1] >= '0' && w[1] <= '9') || w.compare(0, 9, "/dev/dsk/") == 0;
+    };
+    std::map<std::string, std::vector<std::string>> parts;
+    std::istringstream in(text);
+    for (std::string line; std::getline(in, line);) {
+        const std::vector<std::string> w = words(line);
+        if (w.size() < 2 || !isMetadevice(w[0])) continue;  // hot spare pools and comments
+        for (size_t i = 1; i < w.size(); ++i) {
+            if (!isMetadevice(w[i]) && !isSlice(w[i])) continue;  // options, their values, pass numbers
+            parts[w[0]].push_back(w[i].compare(0, 9, "/dev/dsk/") == 0 ? w[i].substr(9) : w[i]);
+        }
+    }
+    return parts;
+}
+
 }  // namespace diskscan

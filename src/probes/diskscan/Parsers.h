@@ -33,4 +33,8 @@ std::vector<HbaPort> parseFcinfoHbaPort(const std::string& text);
 // and spare devices hold none of it), in the order printed.
 std::map<std::string, std::vector<std::string>> parseZpoolStatus(const std::string& text);
 
+// "metastat -p": each metadevice's parts, in order: its submirrors or
+// sub-metadevices ("d12") and its slices ("c0t0d0s1").
+std::map<std::string, std::vector<std::string>> parseMetastat(const std::string& text);
+
 }  // namespace diskscan

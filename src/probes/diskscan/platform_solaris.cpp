@@ -76,13 +76,25 @@ bool gatherScan(Scan& scan, std::string& error, FILE* debug)
     std::ifstream mnttab("/etc/mnttab");
     std::ostringstream text;
     text << mnttab.rdbuf();
-    std::map<std::string, std::vector<std::string>> pools;
-    bool poolsRead = false;
+    std::map<std::string, std::vector<std::string>> pools, metadevices;
+    bool poolsRead = false, metadevicesRead = false;
     for (const Mount& m : parseSolarisMounts(text.str())) {
         PartitionFact p{m.mountPoint, m.special, m.type, {}};
         std::vector<std::string> devices;
         if (m.special.compare(0, 9, "/dev/dsk/") == 0) {
             devices.push_back(m.special.substr(9));
+        } else if (m.special.compare(0, 12, "/dev/md/dsk/") == 0) {
+            // A metadevice: its mirrors and stripes down to their slices.
+            if (!metadevicesRead)
+                metadevices = parseMetastat(output({"/usr/sbin/metastat", "-p"})), metadevicesRead = true;
+            std::vector<std::string> pending{m.special.substr(12)};
+            for (size_t i = 0; i < pending.size() && i < 1024; ++i) {
+                const auto it = metadevices.find(pending[i]);
+                if (it == metadevices.end())
+                    devices.push_back(pending[i]);
+                else
+                    pending.insert(pending.end(), it->second.begin(), it->second.end());
+            }
         } else if (m.type == "zfs") {
             if (!poolsRead) pools = parseZpoolStatus(output({"/usr/sbin/zpool", "status"})), poolsRead = true;
             const auto it = pools.find(m.special.substr(0, m.special.find('/')));
