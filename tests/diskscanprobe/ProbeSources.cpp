@@ -3,3 +3,4 @@
 #include "probes/diskscan/Parsers.cpp"
 #include "probes/diskscan/Scan.cpp"
 #include "probes/diskscan/platform_linux.cpp"
+#include "probes/diskscan/RawDisks.cpp"

@@ -3,14 +3,13 @@
 // command is bounded by a time-out.
 #if defined(__sun)
 
-#include <dirent.h>
-
 #include <algorithm>
 #include <fstream>
 #include <map>
 #include <sstream>
 
 #include "common/sys/System.h"
+#include "probes/diskscan/RawDisks.h"
 #include "probes/diskscan/Scan.h"
 
 namespace diskscan {
@@ -27,33 +26,11 @@ std::string output(const std::vector<std::string>& argv)
     return text;
 }
 
-// "c0t0d0s0" -> "c0t0d0": the disk a slice or partition name belongs to.
-std::string diskOf(const std::string& name)
-{
-    const size_t d = name.rfind('d');
-    if (d == std::string::npos) return name;
-    size_t end = d + 1;
-    while (end < name.size() && name[end] >= '0' && name[end] <= '9') ++end;
-    return name.substr(0, end);
-}
-
 }  // namespace
 
 bool gatherScan(Scan& scan, std::string& error, FILE* debug)
 {
-    // One Id per disk: its backup slice s2, else its whole-disk p0, else its first entry.
-    std::map<std::string, std::string> idOf;
-    if (DIR* dir = opendir("/dev/rdsk")) {
-        while (const dirent* e = readdir(dir)) {
-            const std::string name = e->d_name;
-            if (name[0] == '.') continue;
-            std::string& id = idOf[diskOf(name)];
-            const std::string slice = name.substr(diskOf(name).size());
-            if (id.empty() || slice == "s2" || (slice == "p0" && id.compare(id.size() - 2, 2, "s2") != 0))
-                id = "/dev/rdsk/" + name;
-        }
-        closedir(dir);
-    }
+    const std::map<std::string, std::string> idOf = reportedDiskPaths(sys::platform());
     scan.hbas = parseFcinfoHbaPort(output({"/usr/sbin/fcinfo", "hba-port"}));
     for (const auto& disk : idOf) {
         DiskFact f;
