@@ -360,3 +360,24 @@ VtNode* vtGetNode(const VtExecInfo* info, const char* name, int index)
     if (!name) return info->root;
     return info->root->getChild(name, index < 0 ? 0 : index);
 }
+
+int vtProbeMain(int argc, char** argv, const char* name, int (*run)(FILE* debug))
+{
+    bool debugMode = false;
+    for (int i = 1; i < argc; ++i) {
+        if (std::strcmp(argv[i], "-d") == 0) {
+            debugMode = true;
+        } else {
+            std::fprintf(stderr, "%s: unknown option '%s'\nusage: %s [-d]\n", name, argv[i], name);
+            vtDumpResponse(2, (std::string("usage: ") + name + " [-d]").c_str());
+            return 2;
+        }
+    }
+    try {
+        return run(debugMode ? stderr : nullptr);
+    } catch (const std::exception& e) {
+        std::fprintf(stderr, "%s: %s\n", name, e.what());
+        vtDumpResponse(3, "internal error");
+        return 3;
+    }
+}

@@ -1,4 +1,5 @@
 #pragma once
+#include <cstdio>
 // Running the probe programs: the child process with its three pipes, the
 // response header that precedes a node dump, and the result record.
 #include "common/vartree/VtStream.h"
@@ -65,6 +66,10 @@ VtExecInfo* vtExecCommand(const char* command, const char* args, const char* err
 int vtExecTest(const char* command);
 // Producer side of the header: "1.0 <result> <message>".
 void vtDumpResponse(int result, const char* message);
+// A probe program's main: "-d" gives `run` standard error for what it read
+// (null otherwise); another argument answers result 2 ("usage: NAME [-d]"),
+// an exception result 3 ("internal error"). Returns the exit status.
+int vtProbeMain(int argc, char** argv, const char* name, int (*run)(FILE* debug));
 
 VtVariant* vtGetValue(VtExecInfo* info, const char* path, const char* name);
 int vtGetValue(VtExecInfo* info, const char* path, const char* name, int def);

@@ -2,8 +2,6 @@
 // node dump on standard output. "-d" writes the raw registers and the
 // placement of every logical processor to standard error.
 #include <cstdio>
-#include <cstring>
-#include <exception>
 #include <string>
 
 #include "common/vartree/vtexec.h"
@@ -14,7 +12,8 @@
 
 namespace {
 
-enum { RESULT_OK = 0, RESULT_NO_CPUID = 1, RESULT_USAGE = 2, RESULT_INTERNAL = 3 };
+// 2 (bad usage) and 3 (internal error) are answered by vtProbeMain.
+enum { RESULT_OK = 0, RESULT_NO_CPUID = 1 };
 
 void writeDebug(FILE* debug, const cpuid::Machine& machine, const cpuid::Decoded& decoded)
 {
@@ -66,23 +65,4 @@ int run(FILE* debug)
 
 }  // namespace
 
-int main(int argc, char** argv)
-{
-    bool debugMode = false;
-    for (int i = 1; i < argc; ++i) {
-        if (std::strcmp(argv[i], "-d") == 0) {
-            debugMode = true;
-        } else {
-            std::fprintf(stderr, "cpuid: unknown option '%s'\nusage: cpuid [-d]\n", argv[i]);
-            vtDumpResponse(RESULT_USAGE, "usage: cpuid [-d]");
-            return 2;
-        }
-    }
-    try {
-        return run(debugMode ? stderr : nullptr);
-    } catch (const std::exception& e) {
-        std::fprintf(stderr, "cpuid: %s\n", e.what());
-        vtDumpResponse(RESULT_INTERNAL, "internal error");
-        return 3;
-    }
-}
+int main(int argc, char** argv) { return vtProbeMain(argc, argv, "cpuid", run); }

@@ -2,8 +2,6 @@
 // host bus adapter tree as a node dump on standard output. "-d" writes what
 // was read to standard error.
 #include <cstdio>
-#include <cstring>
-#include <exception>
 #include <string>
 
 #include "common/vartree/vtexec.h"
@@ -11,7 +9,8 @@
 
 namespace {
 
-enum { RESULT_OK = 0, RESULT_NOTHING_READ = 1, RESULT_USAGE = 2, RESULT_INTERNAL = 3 };
+// 2 (bad usage) and 3 (internal error) are answered by vtProbeMain.
+enum { RESULT_OK = 0, RESULT_NOTHING_READ = 1 };
 
 int run(FILE* debug)
 {
@@ -31,23 +30,4 @@ int run(FILE* debug)
 
 }  // namespace
 
-int main(int argc, char** argv)
-{
-    bool debugMode = false;
-    for (int i = 1; i < argc; ++i) {
-        if (std::strcmp(argv[i], "-d") == 0) {
-            debugMode = true;
-        } else {
-            std::fprintf(stderr, "diskscan: unknown option '%s'\nusage: diskscan [-d]\n", argv[i]);
-            vtDumpResponse(RESULT_USAGE, "usage: diskscan [-d]");
-            return 2;
-        }
-    }
-    try {
-        return run(debugMode ? stderr : nullptr);
-    } catch (const std::exception& e) {
-        std::fprintf(stderr, "diskscan: %s\n", e.what());
-        vtDumpResponse(RESULT_INTERNAL, "internal error");
-        return 3;
-    }
-}
+int main(int argc, char** argv) { return vtProbeMain(argc, argv, "diskscan", run); }
