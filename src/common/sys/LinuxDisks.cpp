@@ -82,42 +82,58 @@ std::string gigabytes(unsigned long long bytes)
 
 }  // namespace
 
+bool readDisk(const std::string& sysfs, const std::string& name, Disk& d)
+{
+    const std::string dir = sysfs + "/block/" + name;
+    // Floppies are not raw disks: Solaris keeps them apart (/dev/rdiskette).
+    if (name.empty() || name.find('/') != std::string::npos || !exists(dir + "/device") ||
+        attribute(dir + "/hidden") == "1" || name.compare(0, 2, "fd") == 0)
+        return false;
+    d = Disk();
+    d.kernelName = name;
+    std::sscanf(attribute(dir + "/dev").c_str(), "%d:%d", &d.major, &d.minor);
+    const std::string address = linkName(dir + "/device");
+    d.scsi = std::sscanf(address.c_str(), "%d:%d:%d:%d", &d.host, &d.channel, &d.target, &d.lun) == 4;
+    const std::string type = attribute(dir + "/device/type");
+    d.optical = type == "5" || name.compare(0, 2, "sr") == 0;
+    d.driver = d.scsi ? attribute(sysfs + "/class/scsi_host/host" + std::to_string(d.host) + "/proc_name")
+                      : linkName(dir + "/device/driver");
+    d.vendor = nameOrEmpty(attribute(dir + "/device/vendor"));
+    d.model = attribute(dir + "/device/model");
+    d.revision = attribute(dir + "/device/rev");
+    if (d.revision.empty()) d.revision = attribute(dir + "/device/firmware_rev");
+    d.serial = attribute(dir + "/serial");
+    if (d.serial.empty()) d.serial = attribute(dir + "/device/serial");
+    if (d.serial.empty()) d.serial = serialFromVpd(dir + "/device/vpd_pg80");
+    d.bytes = std::strtoull(attribute(dir + "/size").c_str(), nullptr, 10) * 512ULL;  // always 512-byte units
+    const unsigned long size = std::strtoul(attribute(dir + "/queue/logical_block_size").c_str(), nullptr, 10);
+    if (size >= 512 && size <= 65536) d.blockSize = static_cast<unsigned>(size);
+    // The CD/DVD reader knows drives by their Solaris names only.
+    char solarisName[64];
+    std::snprintf(solarisName, sizeof solarisName, "c%dt%dd%ds2", d.host, d.target, d.lun);
+    d.entry = d.optical && d.scsi ? solarisName : name;
+    return true;
+}
+
 std::vector<Disk> listDisks(const std::string& sysfs)
 {
     std::vector<Disk> disks;
-    const std::string block = sysfs + "/block/";
-    for (const std::string& name : names(block)) {
-        const std::string dir = block + name;
-        // Floppies are not raw disks: Solaris keeps them apart (/dev/rdiskette).
-        if (!exists(dir + "/device") || attribute(dir + "/hidden") == "1" || name.compare(0, 2, "fd") == 0) continue;
-        Disk d;
-        d.kernelName = name;
-        const std::string address = linkName(dir + "/device");
-        d.scsi = std::sscanf(address.c_str(), "%d:%d:%d:%d", &d.host, &d.channel, &d.target, &d.lun) == 4;
-        const std::string type = attribute(dir + "/device/type");
-        d.optical = type == "5" || name.compare(0, 2, "sr") == 0;
-        d.driver = d.scsi ? attribute(sysfs + "/class/scsi_host/host" + std::to_string(d.host) + "/proc_name")
-                          : linkName(dir + "/device/driver");
-        d.vendor = nameOrEmpty(attribute(dir + "/device/vendor"));
-        d.model = attribute(dir + "/device/model");
-        d.revision = attribute(dir + "/device/rev");
-        if (d.revision.empty()) d.revision = attribute(dir + "/device/firmware_rev");
-        d.serial = attribute(dir + "/serial");
-        if (d.serial.empty()) d.serial = attribute(dir + "/device/serial");
-        if (d.serial.empty()) d.serial = serialFromVpd(dir + "/device/vpd_pg80");
-        d.bytes = std::strtoull(attribute(dir + "/size").c_str(), nullptr, 10) * 512ULL;  // always 512-byte units
-        const unsigned long size = std::strtoul(attribute(dir + "/queue/logical_block_size").c_str(), nullptr, 10);
-        if (size >= 512 && size <= 65536) d.blockSize = static_cast<unsigned>(size);
-        // The CD/DVD reader knows drives by their Solaris names only.
-        char solarisName[64];
-        std::snprintf(solarisName, sizeof solarisName, "c%dt%dd%ds2", d.host, d.target, d.lun);
-        d.entry = d.optical && d.scsi ? solarisName : name;
-        disks.push_back(d);
-    }
+    Disk d;
+    for (const std::string& name : names(sysfs + "/block"))
+        if (readDisk(sysfs, name, d)) disks.push_back(d);
     return disks;
 }
 
-void controllerInfo(const Disk& d, int unit, dk_cinfo& out)
+bool findDisk(const std::string& entry, Disk& d, const std::string& sysfs)
+{
+    // A disk's entry is its kernel name: only a drive's Solaris name needs the list.
+    if (readDisk(sysfs, entry, d)) return d.entry == entry;
+    for (const Disk& each : listDisks(sysfs))
+        if (each.optical && each.entry == entry) return d = each, true;
+    return false;
+}
+
+void controllerInfo(const Disk& d, dk_cinfo& out)
 {
     std::memset(&out, 0, sizeof out);
     std::snprintf(out.dki_cname, sizeof out.dki_cname, "%s", d.driver.c_str());
@@ -125,8 +141,9 @@ void controllerInfo(const Disk& d, int unit, dk_cinfo& out)
     // Disks behind a SCSI host are what sd drives on Solaris; the others
     // (virtio, NVMe, MMC) are attached directly.
     out.dki_ctype = static_cast<ushort_t>(d.optical ? DKC_CDROM : d.scsi ? DKC_SCSI_CCS : DKC_DIRECT);
-    out.dki_cnum = static_cast<ushort_t>(d.scsi ? d.host : unit);
-    out.dki_unit = static_cast<uint_t>(d.scsi ? d.target : 0);
+    // A SCSI disk's address; another's driver (major) and unit (minor) numbers.
+    out.dki_cnum = static_cast<ushort_t>(d.scsi ? d.host : d.major);
+    out.dki_unit = static_cast<uint_t>(d.scsi ? d.target : d.minor);
     out.dki_slave = static_cast<uint_t>(d.scsi ? d.lun : 0);
     out.dki_partition = 2;
     out.dki_maxtransfer = 256;

@@ -20,6 +20,7 @@ struct Disk {
     bool optical = false;
     bool scsi = false;       // it has a SCSI address (host, target, lun)
     int host = 0, channel = 0, target = 0, lun = 0;
+    int major = 0, minor = 0;  // the block device's numbers
     std::string driver;      // the controller's driver, for the controller description
     std::string vendor, model, revision, serial;
     unsigned long long bytes = 0;  // 0: no medium
@@ -30,9 +31,11 @@ struct Disk {
 // no partitions, no floppy drive, and nothing without a device behind it
 // (loop, zram, ram, device-mapper and md volumes are not disks).
 std::vector<Disk> listDisks(const std::string& sysfs = "/sys");
+// The disk or drive listed under `entry`, read alone where it can be.
+bool findDisk(const std::string& entry, Disk& d, const std::string& sysfs = "/sys");
 
 // The disk controls a Solaris disk driver answers, from the facts.
-void controllerInfo(const Disk& d, int unit, dk_cinfo& out);
+void controllerInfo(const Disk& d, dk_cinfo& out);
 void geometry(const Disk& d, dk_geom& out);
 void label(const Disk& d, vtoc& out);
 // A SCSI command (INQUIRY, READ CAPACITY(10), MODE SENSE(6) pages 3 and 4)

@@ -163,7 +163,6 @@ public:
 // folder, whose facts then answer every request.
 struct OpenDisk {
     linuxdisks::Disk disk;
-    int unit;
     bool device;
 };
 
@@ -470,7 +469,7 @@ public:
         }
         const linuxdisks::Disk& d = open.disk;
         switch (request) {
-        case DKIOCINFO: linuxdisks::controllerInfo(d, open.unit, *static_cast<dk_cinfo*>(arg)); return 0;
+        case DKIOCINFO: linuxdisks::controllerInfo(d, *static_cast<dk_cinfo*>(arg)); return 0;
         case DKIOCGGEOM: linuxdisks::geometry(d, *static_cast<dk_geom*>(arg)); return 0;
         case DKIOCGVTOC: linuxdisks::label(d, *static_cast<vtoc*>(arg)); return 0;
         case USCSICMD: {
@@ -488,22 +487,20 @@ public:
 private:
     int openDisk(const char* entry, int flags)
     {
-        const std::vector<linuxdisks::Disk> disks = linuxdisks::listDisks();
-        auto it = std::find_if(disks.begin(), disks.end(), [entry](const linuxdisks::Disk& d) { return d.entry == entry; });
-        if (it == disks.end()) {
+        OpenDisk open{linuxdisks::Disk(), true};
+        if (!linuxdisks::findDisk(entry, open.disk)) {
             errno = ENOENT;
             return -1;
         }
         // A drive without a medium opens only for control, as on Solaris.
-        if (it->optical && it->bytes == 0 && !(flags & (O_NONBLOCK | O_NDELAY))) {
+        if (open.disk.optical && open.disk.bytes == 0 && !(flags & (O_NONBLOCK | O_NDELAY))) {
             errno = ENXIO;
             return -1;
         }
-        OpenDisk open{*it, static_cast<int>(it - disks.begin()), true};
-        int fd = ::open(("/dev/" + it->kernelName).c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+        int fd = ::open(("/dev/" + open.disk.kernelName).c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
         if (fd < 0) {
             open.device = false;  // refused (not root, or a locked-down VM): sysfs still knows the disk
-            fd = ::open(("/sys/block/" + it->kernelName).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+            fd = ::open(("/sys/block/" + open.disk.kernelName).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
             if (fd < 0) return -1;
         }
         std::lock_guard<std::mutex> hold(m_lock);

@@ -34,6 +34,7 @@ void buildSysfs(const TempDir& t)
     link("devices/pci0/virtio1/driver", root + "/drivers/virtio_blk");
     t.write("devices/pci0/virtio1/vendor", "0x1af4\n");
     t.write("block/vda/serial", "QM00001");
+    t.write("block/vda/dev", "254:0\n");
     t.write("block/vda/size", "536870912\n");
     t.write("block/vda/queue/logical_block_size", "512\n");
     t.write("block/vda/vda1/size", "2048\n");
@@ -77,12 +78,21 @@ TEST(LinuxDisks, WholeDisksAndDrivesFromSysfs)
               "c1t0d0s2 ahci HL-DT-ST|DVD+-RW GHB0N|A101| 0\n"
               "vda virtio_blk |||QM00001 274877906944\n");
 
+    // An open finds its disk alone; a drive by its Solaris name; never a partition.
+    Disk found;
+    EXPECT_TRUE(sys::linuxdisks::findDisk("vda", found, t.path()));
+    EXPECT_TRUE(sys::linuxdisks::findDisk("c1t0d0s2", found, t.path()));
+    EXPECT_EQ(found.kernelName, "sr0");
+    for (const char* absent : {"sr0", "vda1", "loop0", "../block/vda", ""})
+        EXPECT_FALSE(sys::linuxdisks::findDisk(absent, found, t.path())) << absent;
+
     // The controls: a directly attached disk is a hard disk's controller;
     // READ CAPACITY gives the last block; a drive without a disc has none.
     const Disk& vda = disks.at(2);
     dk_cinfo info;
-    sys::linuxdisks::controllerInfo(vda, 2, info);
+    sys::linuxdisks::controllerInfo(vda, info);
     EXPECT_EQ(info.dki_ctype, DKC_DIRECT);
+    EXPECT_EQ(info.dki_cnum, 254);  // the driver's major number: every virtio disk on one controller
     EXPECT_STREQ(info.dki_cname, "virtio_blk");
     vtoc v;
     sys::linuxdisks::label(vda, v);
