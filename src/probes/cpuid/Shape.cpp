@@ -6,10 +6,6 @@ namespace cpuid {
 
 namespace {
 
-VtNode* newNode(const char* name) { return vtNewNode(name); }
-void addInt(VtNode* node, const char* name, long value) { vtAddInt(node, name, value); }
-void addString(VtNode* node, const char* name, const std::string& value) { vtAddString(node, name, value); }
-
 const char* typeName(uint32_t type)
 {
     switch (type) {
@@ -53,36 +49,36 @@ VtNode* processorNode(const Machine& machine, const Package& pkg)
     std::snprintf(signature, sizeof signature, "%08X", static_cast<unsigned>(pkg.signature));
     bool intel = pkg.vendor == "GenuineIntel";
 
-    VtNode* node = newNode("Processor");
-    addString(node, "Manufacturer", pkg.vendor);
-    addString(node, "BrandName", pkg.brand);
-    addString(node, "Family", familyName(pkg.brand));
-    addString(node, "Type", typeName(pkg.type));
-    addString(node, "Signature", signature);
-    addString(node, "Is64bit", pkg.is64bit ? "Yes" : "No");
-    addString(node, "IEM64T", intel && pkg.is64bit ? "Yes" : "No");
-    addInt(node, "CpuClockMHz", clock);
+    VtNode* node = vtNewNode("Processor");
+    vtAddString(node, "Manufacturer", pkg.vendor);
+    vtAddString(node, "BrandName", pkg.brand);
+    vtAddString(node, "Family", familyName(pkg.brand));
+    vtAddString(node, "Type", typeName(pkg.type));
+    vtAddString(node, "Signature", signature);
+    vtAddString(node, "Is64bit", pkg.is64bit ? "Yes" : "No");
+    vtAddString(node, "IEM64T", intel && pkg.is64bit ? "Yes" : "No");
+    vtAddInt(node, "CpuClockMHz", clock);
     // Only processors this probe could run on are seen, so total, active and
     // pool counts agree.
-    addInt(node, "TotalCoreCount", pkg.cores);
-    addInt(node, "ActiveCoreCount", pkg.cores);
-    addInt(node, "TotalPoolCoreCount", pkg.cores);
-    addInt(node, "TotalProcCount", pkg.logicalCount);
-    addInt(node, "ActiveProcCount", pkg.logicalCount);
-    addInt(node, "TotalPoolProcCount", pkg.logicalCount);
-    addInt(node, "ProcsPerCore", pkg.threadsPerCore);
-    addInt(node, "L2CacheSizeKB", pkg.l2KB);
-    addInt(node, "L3CacheSizeKB", pkg.l3KB);
-    addString(node, "Features", joined(pkg.features));
+    vtAddInt(node, "TotalCoreCount", pkg.cores);
+    vtAddInt(node, "ActiveCoreCount", pkg.cores);
+    vtAddInt(node, "TotalPoolCoreCount", pkg.cores);
+    vtAddInt(node, "TotalProcCount", pkg.logicalCount);
+    vtAddInt(node, "ActiveProcCount", pkg.logicalCount);
+    vtAddInt(node, "TotalPoolProcCount", pkg.logicalCount);
+    vtAddInt(node, "ProcsPerCore", pkg.threadsPerCore);
+    vtAddInt(node, "L2CacheSizeKB", pkg.l2KB);
+    vtAddInt(node, "L3CacheSizeKB", pkg.l3KB);
+    vtAddString(node, "Features", joined(pkg.features));
 
-    VtNode* regs = newNode("CPUID");
-    addInt(regs, "CorePerPackageCount", pkg.cores);
-    addInt(regs, "HtPerCoreCount", pkg.threadsPerCore);
-    addInt(regs, "Family", pkg.family);
-    addInt(regs, "Model", pkg.model);
-    addInt(regs, "Stepping", pkg.stepping);
-    addInt(regs, "BrandId", pkg.brandId);
-    addInt(regs, "ExtBrand", pkg.extBrand);
+    VtNode* regs = vtNewNode("CPUID");
+    vtAddInt(regs, "CorePerPackageCount", pkg.cores);
+    vtAddInt(regs, "HtPerCoreCount", pkg.threadsPerCore);
+    vtAddInt(regs, "Family", pkg.family);
+    vtAddInt(regs, "Model", pkg.model);
+    vtAddInt(regs, "Stepping", pkg.stepping);
+    vtAddInt(regs, "BrandId", pkg.brandId);
+    vtAddInt(regs, "ExtBrand", pkg.extBrand);
     node->addChild(regs);
     return node;
 }
@@ -102,54 +98,54 @@ std::string familyName(const std::string& brand)
 
 VtNode* buildTree(const Machine& machine, const Decoded& decoded)
 {
-    VtNode* root = newNode("");
-    VtNode* table = newNode("ProcessorTable");
+    VtNode* root = vtNewNode("");
+    VtNode* table = vtNewNode("ProcessorTable");
     int cores = 0;
     for (const Package& pkg : decoded.packages) cores += pkg.cores;
     auto packages = static_cast<long>(decoded.packages.size());
-    addInt(table, "TotalPackageCount", packages);
-    addInt(table, "ActivePackageCount", packages);
-    addInt(table, "TotalCoreCount", cores);
-    addInt(table, "ActiveCoreCount", cores);
-    addInt(table, "OnlineProcessorCount", machine.onlineCount);
-    addInt(table, "ActiveProcessorCount", decoded.logicalCount);
+    vtAddInt(table, "TotalPackageCount", packages);
+    vtAddInt(table, "ActivePackageCount", packages);
+    vtAddInt(table, "TotalCoreCount", cores);
+    vtAddInt(table, "ActiveCoreCount", cores);
+    vtAddInt(table, "OnlineProcessorCount", machine.onlineCount);
+    vtAddInt(table, "ActiveProcessorCount", decoded.logicalCount);
     const Firmware& fw = machine.firmware;
     if (fw.hasProcessors) {  // what the firmware counts, sockets the OS does not see included
-        addInt(table, "BiosTotalProcessorCount", fw.totalThreads);
-        addInt(table, "BiosTotalCoreCount", fw.totalCores);
-        addInt(table, "BiosTotalPackageCount", fw.totalPackages);
-        addInt(table, "BiosActiveProcessorCount", fw.activeThreads);
-        addInt(table, "BiosActiveCoreCount", fw.activeCores);
-        addInt(table, "BiosActivePackageCount", fw.activePackages);
+        vtAddInt(table, "BiosTotalProcessorCount", fw.totalThreads);
+        vtAddInt(table, "BiosTotalCoreCount", fw.totalCores);
+        vtAddInt(table, "BiosTotalPackageCount", fw.totalPackages);
+        vtAddInt(table, "BiosActiveProcessorCount", fw.activeThreads);
+        vtAddInt(table, "BiosActiveCoreCount", fw.activeCores);
+        vtAddInt(table, "BiosActivePackageCount", fw.activePackages);
     }
-    if (!machine.osArch.empty()) addString(table, "OSSystemArch", machine.osArch);
-    if (!machine.osKernelMode.empty()) addString(table, "OSKernelMode", machine.osKernelMode);
+    if (!machine.osArch.empty()) vtAddString(table, "OSSystemArch", machine.osArch);
+    if (!machine.osKernelMode.empty()) vtAddString(table, "OSKernelMode", machine.osKernelMode);
     for (const Package& pkg : decoded.packages) table->addChild(processorNode(machine, pkg));
     root->addChild(table);
 
     if (decoded.hypervisor) {
-        VtNode* hv = newNode("Hypervisor");
-        addString(hv, "Vendor", decoded.hypervisorVendor);
-        if (!decoded.hypervisorInterface.empty()) addString(hv, "Interface", decoded.hypervisorInterface);
-        addString(hv, "Brand", brandFromFirmware(fw));
-        addString(hv, "Virtualization", virtualizationFromFirmware(fw));
+        VtNode* hv = vtNewNode("Hypervisor");
+        vtAddString(hv, "Vendor", decoded.hypervisorVendor);
+        if (!decoded.hypervisorInterface.empty()) vtAddString(hv, "Interface", decoded.hypervisorInterface);
+        vtAddString(hv, "Brand", brandFromFirmware(fw));
+        vtAddString(hv, "Virtualization", virtualizationFromFirmware(fw));
         root->addChild(hv);
     }
     // Always there, empty where the firmware says nothing: a guest without
     // tables is still known by its CPUID signature.
-    VtNode* system = newNode("System");
-    addString(system, "Manufacturer", fw.manufacturer);
-    addString(system, "ProductName", fw.productName);
-    addString(system, "Version", fw.version);
-    addString(system, "SerialNumber", fw.serialNumber);
-    addString(system, "UUID", fw.uuid);
+    VtNode* system = vtNewNode("System");
+    vtAddString(system, "Manufacturer", fw.manufacturer);
+    vtAddString(system, "ProductName", fw.productName);
+    vtAddString(system, "Version", fw.version);
+    vtAddString(system, "SerialNumber", fw.serialNumber);
+    vtAddString(system, "UUID", fw.uuid);
     root->addChild(system);
     if (fw.hasBoard) {  // the base board (type 2) the system sits on
-        VtNode* host = newNode("Host");
-        addString(host, "Manufacturer", fw.boardManufacturer);
-        addString(host, "Product", fw.boardProduct);
-        addString(host, "Model", fw.boardVersion);
-        addString(host, "SerialNumber", fw.boardSerial);
+        VtNode* host = vtNewNode("Host");
+        vtAddString(host, "Manufacturer", fw.boardManufacturer);
+        vtAddString(host, "Product", fw.boardProduct);
+        vtAddString(host, "Model", fw.boardVersion);
+        vtAddString(host, "SerialNumber", fw.boardSerial);
         root->addChild(host);
     }
     return root;
