@@ -256,12 +256,10 @@ int getMoreScsiInfo(std::string deviceName, std::string& isSan, std::string& wwn
         return 0;
     }
     // Traced in full, every disk is looked at; otherwise only the matches.
-    std::vector<NumberedDisk> candidates;
-    if (trace::enabled(trace::Level::Max)) {
-        forEachChild(table, "Disk", [&candidates](int number, const VtNode* disk) { candidates.push_back({number, disk}); });
-    } else {
-        candidates = disksWithId(table, deviceName);
-    }
+    std::vector<NumberedDisk> everyDisk;
+    if (trace::enabled(trace::Level::Max))
+        forEachChild(table, "Disk", [&everyDisk](int number, const VtNode* disk) { everyDisk.push_back({number, disk}); });
+    const std::vector<NumberedDisk>& candidates = everyDisk.empty() ? disksWithId(table, deviceName) : everyDisk;
     int result = 0;
     for (const NumberedDisk& candidate : candidates) {
         const VtNode* disk = candidate.node;

@@ -43,8 +43,10 @@ bool gatherScan(Scan& scan, std::string& error, FILE* debug)
             f.hbaWwnn = h.wwnn;
             f.hbaWwpn = h.wwpn;
             // A fabric target's port name is the target part of the disk's name.
-            const std::string target = disk.first.substr(controller.size() + 1, disk.first.rfind('d') - controller.size() - 1);
-            if (target.size() == 16) f.wwpn = target;
+            // cNtTARGETdM: nothing to take from a name without a target (c0d0).
+            const size_t t = controller.size(), d = disk.first.rfind('d');
+            if (t < disk.first.size() && d != std::string::npos && d > t + 1 && d - t - 1 == 16)
+                f.wwpn = disk.first.substr(t + 1, 16);
         }
         if (debug) std::fprintf(debug, "disk %s san %d\n", f.id.c_str(), f.san ? 1 : 0);
         scan.disks.push_back(f);
