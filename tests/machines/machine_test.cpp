@@ -135,6 +135,8 @@ TEST_P(Machine, ScanGivesTheExpectedTables)
     if (pid == 0) {
         setenv("NIM_HOMEDIR", home.path().c_str(), 1);
         setenv("TZ", "UTC", 1);
+        // The locale is the machine's (its `env` lines), never the test runner's.
+        for (const char* name : {"LC_ALL", "LC_MESSAGES", "LC_CTYPE", "LANG", "LANGUAGE"}) unsetenv(name);
         tzset();
         const std::string text = scanMachine(dir);
         FILE* f = std::fopen(result.c_str(), "w");

@@ -51,6 +51,31 @@ void FakeSystem::addCpuStat(int instance, uint_t idle, uint_t user, uint_t kerne
     kstats.push_back(k);
 }
 
+void FakeSystem::addBootTime(long long seconds)
+{
+    Kstat k;
+    k.module = "unix";
+    k.instance = 0;
+    k.name = "system_misc";
+    k.type = KSTAT_TYPE_NAMED;
+    kstat_named_t n{};
+    std::snprintf(n.name, sizeof n.name, "%s", "boot_time");
+    n.data_type = KSTAT_DATA_UINT32;  // a 32-bit kernel's `long`
+    n.value.ui32 = static_cast<uint32_t>(seconds);
+    k.named.push_back(n);
+    k.dataSize = sizeof n;
+    kstats.push_back(k);
+}
+
+void FakeSystem::tzset(sys::TimeZone& zone) { sys::platform().tzset(zone); }
+
+struct utmpx* FakeSystem::getutxent()
+{
+    if (m_nextUtmpx >= utmpxRecords.size()) return nullptr;
+    m_utmpx = utmpxRecords[m_nextUtmpx++];
+    return &m_utmpx;
+}
+
 long FakeSystem::sysinfo(int command, char* buf, long count)
 {
     auto it = sysinfoValues.find(command);
@@ -133,6 +158,12 @@ kid_t FakeSystem::kstat_read(kstat_ctl_t* kc, kstat_t* ksp, void* buf)
     if (!kc || !ksp) return failWith(EINVAL, -1);
     const Kstat& k = kstats.at(static_cast<size_t>(ksp->ks_kid));
     if (k.readFails) return failWith(EIO, -1);
+    if (!k.named.empty()) {
+        ksp->ks_data = const_cast<kstat_named_t*>(k.named.data());
+        ksp->ks_ndata = static_cast<uint_t>(k.named.size());
+        if (buf) std::memcpy(buf, k.named.data(), k.named.size() * sizeof(kstat_named_t));
+        return kc->kc_chain_id;
+    }
     ksp->ks_data = const_cast<cpu_stat_t*>(&k.data);
     // Like libkstat: the record's own size is copied, whatever it is.
     if (buf) std::memcpy(buf, &k.data, std::min(k.dataSize, sizeof k.data));
@@ -196,6 +227,11 @@ int FakeSystem::closedir(sys::Dir* dir)
 
 int FakeSystem::open(const char* path, int)
 {
+    if (path && files.count(path)) {
+        const int fd = m_nextFd++;
+        m_open[fd] = OpenDevice{path, 0, true};
+        return fd;
+    }
     auto it = devices.find(path ? path : "");
     if (it == devices.end()) return failWith(ENOENT, -1);
     if (it->second.openErrno) return failWith(it->second.openErrno, -1);
@@ -236,6 +272,14 @@ ssize_t FakeSystem::read(int fd, void* buf, size_t count)
 {
     auto it = m_open.find(fd);
     if (it == m_open.end()) return failWith(EBADF, -1);
+    if (it->second.file) {
+        const std::string& text = files[it->second.path];
+        const size_t at = std::min(static_cast<size_t>(it->second.offset), text.size());
+        const size_t n = std::min(count, text.size() - at);
+        std::memcpy(buf, text.data() + at, n);
+        it->second.offset += static_cast<long long>(n);
+        return static_cast<ssize_t>(n);
+    }
     copyMemory(devices[it->second.path], it->second.offset, static_cast<char*>(buf), count);
     it->second.offset += static_cast<long long>(count);
     return static_cast<ssize_t>(count);

@@ -41,6 +41,7 @@ public:
         int type = KSTAT_TYPE_RAW;
         size_t dataSize = sizeof(cpu_stat_t);
         cpu_stat_t data{};
+        std::vector<kstat_named_t> named;  // a named record's values, when it has any
         bool readFails = false;
     };
     bool kstatOpenFails = false;
@@ -48,6 +49,16 @@ public:
     // A "cpu_stat" record for processor `instance` with these tick counters.
     void addCpuStat(int instance, uint_t idle, uint_t user, uint_t kernel, uint_t wait);
     int openKstatHandles() const { return m_openKstat; }
+
+    // "unix:0:system_misc" with the named value "boot_time".
+    void addBootTime(long long seconds);
+
+    // time and login records; the time zone is the process's own (TZ)
+    time_t now = 1700000000;  // 2023-11-14 22:13:20 UTC
+    std::vector<struct utmpx> utmpxRecords;
+
+    // small files by path: what reading them gives
+    std::map<std::string, std::string> files;
 
     bool loadavgFails = false;
     double loadavg[3] = {0, 0, 0};
@@ -119,6 +130,12 @@ public:
     long gethostid() override { return hostid; }
     pid_t getpid() override { return pid; }
     long sysconf(int name) override;
+    time_t time() override { return now; }
+    void tzset(sys::TimeZone& zone) override;
+    struct tm* localtime_r(const time_t* clock, struct tm* result) override { return ::localtime_r(clock, result); }
+    void setutxent() override { m_nextUtmpx = 0; }
+    struct utmpx* getutxent() override;
+    void endutxent() override { m_nextUtmpx = 0; }
     int swapctl(int cmd, void* arg) override;
     kstat_ctl_t* kstat_open() override;
     int kstat_close(kstat_ctl_t* kc) override;
@@ -149,7 +166,10 @@ private:
     struct OpenDevice {
         std::string path;
         long long offset = 0;
+        bool file = false;  // one of `files`
     };
+    size_t m_nextUtmpx = 0;
+    struct utmpx m_utmpx{};
     std::map<int, OpenDevice> m_open;
     void copyMemory(const Device& device, long long from, char* out, size_t length) const;
     int m_nextFd = 1000;

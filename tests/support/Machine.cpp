@@ -33,8 +33,10 @@ const std::map<std::string, int> kErrnoNames = {
     {"EOVERFLOW", EOVERFLOW}, {"ENOSYS", ENOSYS}, {"EFAULT", EFAULT}, {"ENOMEM", ENOMEM},
     {"EIO", EIO},           {"ENXIO", ENXIO},   {"EACCES", EACCES}, {"EPERM", EPERM}};
 
-// The command the output lines (">") and "exit" that follow belong to.
+// The command the output lines (">") and "exit" that follow belong to, and
+// the text those lines go to (a command's output or a file's contents).
 FakeSystem::Command* g_current = nullptr;
+std::string* g_text = nullptr;
 std::vector<std::pair<std::string, std::string>> g_promProperties;
 std::map<std::string, FakeDisk> g_disks;
 
@@ -145,19 +147,53 @@ bool readLine(const std::string& text, FakeSystem& os)
     std::string facility, name;
     in >> facility;
     if (facility == ">" || text == ">") {
-        if (!g_current) return false;
-        g_current->output += (text.size() > 2 ? text.substr(2) : std::string()) + "\n";
+        if (!g_text) return false;
+        *g_text += (text.size() > 2 ? text.substr(2) : std::string()) + "\n";
         return true;
     }
     if (facility == "shell" || facility == "run") {
         std::string command;
         std::getline(in >> std::ws, command);
         g_current = &(facility == "shell" ? os.shells : os.commands)[command];
+        g_text = &g_current->output;
         return !command.empty();
     }
     if (facility == "exit") return g_current && static_cast<bool>(in >> g_current->status);
     if (facility == "start-fails") return g_current && (g_current->fails = true);
     g_current = nullptr;
+    g_text = nullptr;
+    if (facility == "file") {
+        if (!(in >> name)) return false;
+        g_text = &os.files[name];
+        return true;
+    }
+    if (facility == "time") return static_cast<bool>(in >> os.now);
+    if (facility == "boot-time") {
+        long long seconds;
+        if (!(in >> seconds)) return false;
+        os.addBootTime(seconds);
+        return true;
+    }
+    if (facility == "utmpx") {
+        // "utmpx boot SECONDS" or "utmpx run-level C SECONDS", as init writes them.
+        struct utmpx record{};
+        std::string kind, level;
+        long seconds;
+        if (!(in >> kind)) return false;
+        if (kind == "boot") {
+            record.ut_type = BOOT_TIME;
+            std::snprintf(record.ut_line, sizeof record.ut_line, "%s", "system boot");
+        } else if (kind == "run-level" && in >> level) {
+            record.ut_type = RUN_LVL;
+            std::snprintf(record.ut_line, sizeof record.ut_line, "run-level %s", level.c_str());
+        } else {
+            return false;
+        }
+        if (!(in >> seconds)) return false;
+        record.ut_tv.tv_sec = static_cast<decltype(record.ut_tv.tv_sec)>(seconds);
+        os.utmpxRecords.push_back(record);
+        return true;
+    }
     if (facility == "env") {
         // Set in the scan's own process: each machine is scanned in a child.
         std::string value;
@@ -294,6 +330,7 @@ bool loadMachine(const std::string& dir, FakeSystem& os, std::string& error)
     }
     std::string line;
     g_current = nullptr;
+    g_text = nullptr;
     g_promProperties.clear();
     g_disks.clear();
     for (int number = 1; std::getline(in, line); ++number) {

@@ -15,6 +15,9 @@ extern "C" {
 enum { SI_ARCHITECTURE_32 = 516, SI_ARCHITECTURE_64 = 517, SI_ARCHITECTURE_K = 518, SI_ARCHITECTURE_NATIVE = 519 };
 int sysinfo(int command, char* buf, long count);
 
+// <time.h>: Solaris keeps the summer-time offset beside glibc's three
+extern long altzone;
+
 // <sys/swap.h>
 int swapctl(int cmd, void* arg);
 

@@ -24,6 +24,7 @@
 #include <string>
 
 #include "common/sys/KstatChain.h"
+#include "common/sys/LinuxAnswers.h"
 #include "common/sys/LinuxDisks.h"
 #include "common/sys/PosixSystem.h"
 
@@ -82,21 +83,24 @@ std::vector<CpuTicks> readProcStat()
     return cpus;
 }
 
-// The handle kstat_open gives out: the chain and the records' data.
+// The handle kstat_open gives out: a "cpu_stat" record per processor, then
+// "unix:0:system_misc" with the boot time; and the records' data.
 struct LinuxKstatChain {
     kstat_ctl_t ctl;  // first: callers hold a pointer to it
     std::vector<kstat_t> records;
     std::vector<cpu_stat_t> data;
+    kstat_named_t bootTime{};
 };
 
 void buildChain(LinuxKstatChain& chain)
 {
     const std::vector<CpuTicks> cpus = readProcStat();
-    chain.records.assign(cpus.size(), kstat_t{});
+    chain.records.assign(cpus.size() + 1, kstat_t{});
     chain.data.assign(cpus.size(), cpu_stat_t{});
+    for (size_t i = 0; i < chain.records.size(); ++i)
+        chain.records[i].ks_next = i + 1 < chain.records.size() ? &chain.records[i + 1] : nullptr;
     for (size_t i = 0; i < cpus.size(); ++i) {
         kstat_t& k = chain.records[i];
-        k.ks_next = i + 1 < cpus.size() ? &chain.records[i + 1] : nullptr;
         k.ks_kid = static_cast<kid_t>(i + 1);
         std::snprintf(k.ks_module, sizeof k.ks_module, "%s", "cpu_stat");
         k.ks_instance = cpus[i].cpu;
@@ -106,7 +110,15 @@ void buildChain(LinuxKstatChain& chain)
         k.ks_ndata = 1;
         k.ks_data_size = sizeof(cpu_stat_t);
     }
-    chain.ctl.kc_chain = chain.records.empty() ? nullptr : &chain.records[0];
+    kstat_t& misc = chain.records.back();
+    misc.ks_kid = static_cast<kid_t>(chain.records.size());
+    std::snprintf(misc.ks_module, sizeof misc.ks_module, "%s", "unix");
+    std::snprintf(misc.ks_name, sizeof misc.ks_name, "%s", "system_misc");
+    std::snprintf(misc.ks_class, sizeof misc.ks_class, "%s", "misc");
+    misc.ks_type = KSTAT_TYPE_NAMED;
+    misc.ks_ndata = 1;
+    misc.ks_data_size = sizeof(kstat_named_t);
+    chain.ctl.kc_chain = &chain.records[0];
     chain.ctl.kc_chain_id = 1;
     chain.ctl.kc_kd = -1;
 }
@@ -208,6 +220,8 @@ public:
     int open(const char* path, int flags) override
     {
         if (path && std::strcmp(path, "/dev/xsvc") == 0) return openFirmwareMemory();
+        std::string answer;
+        if (path && linuxanswers::answerFile(path, "", answer)) return openOver(answer);
         if (path && std::strncmp(path, kRawDiskDir, std::strlen(kRawDiskDir)) == 0 &&
             path[std::strlen(kRawDiskDir)] == '/')
             return openDisk(path + std::strlen(kRawDiskDir) + 1, flags);
@@ -249,6 +263,53 @@ public:
             m_answered[stream] = output.empty() ? 1 : 0;  // grep finding nothing exits 1
         }
         return stream;
+    }
+
+    int runCommand(const std::vector<std::string>& argv, int timeoutSeconds,
+                   std::vector<std::string>& lines) override
+    {
+        int status = 0;
+        if (linuxanswers::answerRun(argv, "", lines, status)) return status;
+        return PosixSystem::runCommand(argv, timeoutSeconds, lines);
+    }
+
+    // glibc keeps no altzone: the summer offset is found in this year's months.
+    void tzset(TimeZone& zone) override
+    {
+        ::tzset();
+        zone.timezone = ::timezone;
+        zone.daylight = ::daylight;
+        zone.altzone = ::daylight ? ::timezone - 3600 : ::timezone;
+        zone.standardName = ::tzname[0] ? ::tzname[0] : "";
+        zone.summerName = ::tzname[1] ? ::tzname[1] : "";
+        const time_t now = ::time(nullptr);
+        struct tm t;
+        if (!::localtime_r(&now, &t)) return;
+        for (int month = 0; month < 12 && ::daylight; ++month) {
+            struct tm probe{};
+            probe.tm_year = t.tm_year;
+            probe.tm_mon = month;
+            probe.tm_mday = 15;
+            probe.tm_hour = 12;
+            probe.tm_isdst = -1;
+            const time_t when = mktime(&probe);
+            struct tm local;
+            if (when != static_cast<time_t>(-1) && ::localtime_r(&when, &local) && local.tm_isdst > 0) {
+                zone.altzone = -local.tm_gmtoff;
+                break;
+            }
+        }
+    }
+
+    // glibc's run-level record holds the level in ut_pid; Solaris's in ut_line.
+    struct utmpx* getutxent() override
+    {
+        struct utmpx* record = ::getutxent();
+        if (!record) return nullptr;
+        m_record = *record;
+        if (m_record.ut_type == RUN_LVL)
+            std::snprintf(m_record.ut_line, sizeof m_record.ut_line, "run-level %c", static_cast<char>(m_record.ut_pid % 256));
+        return &m_record;
     }
 
     int pclose(FILE* stream) override
@@ -373,6 +434,7 @@ public:
             return -1;
         }
         const size_t i = (at - first) / sizeof(kstat_t);
+        if (i == chain->records.size() - 1) return readSystemMisc(*chain, ksp, buf);
         for (const CpuTicks& t : readProcStat()) {
             if (t.cpu != ksp->ks_instance) continue;
             chain->data[i] = t.stat;
@@ -391,7 +453,7 @@ public:
             errno = EINVAL;
             return -1;
         }
-        if (readProcStat().size() == chain->records.size()) return 0;
+        if (readProcStat().size() + 1 == chain->records.size()) return 0;
         const kid_t id = chain->ctl.kc_chain_id + 1;
         buildChain(*chain);
         chain->ctl.kc_chain_id = id;
@@ -508,6 +570,44 @@ private:
         return fd;
     }
 
+    static kid_t readSystemMisc(LinuxKstatChain& chain, kstat_t* ksp, void* buf)
+    {
+        const long long boot = linuxanswers::bootTime("");
+        if (boot < 0) {
+            errno = EIO;
+            return -1;
+        }
+        kstat_named_t& n = chain.bootTime;
+        std::snprintf(n.name, sizeof n.name, "%s", "boot_time");
+        // A native `long`, as the Solaris kernel keeps it.
+        if (sizeof(long) == 8) {
+            n.data_type = KSTAT_DATA_UINT64;
+            n.value.ui64 = static_cast<uint64_t>(boot);
+        } else {
+            n.data_type = KSTAT_DATA_UINT32;
+            n.value.ui32 = static_cast<uint32_t>(boot);
+        }
+        ksp->ks_data = &n;
+        ksp->ks_ndata = 1;
+        if (buf) std::memcpy(buf, &n, sizeof n);
+        return chain.ctl.kc_chain_id;
+    }
+
+    // A read-only descriptor over an answered file's text.
+    static int openOver(const std::string& text)
+    {
+        const int fd = memfd_create("answer", MFD_CLOEXEC);
+        if (fd < 0) return -1;
+        if (::write(fd, text.data(), text.size()) != static_cast<ssize_t>(text.size()) || ::lseek(fd, 0, SEEK_SET) != 0) {
+            const int saved = errno;
+            ::close(fd);
+            errno = saved;
+            return -1;
+        }
+        return fd;
+    }
+
+    struct utmpx m_record{};
     std::mutex m_lock;
     std::map<int, OpenDisk> m_disks;
     std::map<FILE*, int> m_answered;  // streams of answered commands -> their exit status

@@ -10,6 +10,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <ctime>
 #include <cstdio>
 #include <map>
 #include <mutex>
@@ -43,6 +44,12 @@ void splitLines(std::string& pending, const char* chunk, size_t n, std::vector<s
 long PosixSystem::gethostid() { return ::gethostid(); }
 long PosixSystem::sysconf(int name) { return ::sysconf(name); }
 pid_t PosixSystem::getpid() { return ::getpid(); }
+
+time_t PosixSystem::time() { return ::time(nullptr); }
+struct tm* PosixSystem::localtime_r(const time_t* clock, struct tm* result) { return ::localtime_r(clock, result); }
+void PosixSystem::setutxent() { ::setutxent(); }
+struct utmpx* PosixSystem::getutxent() { return ::getutxent(); }
+void PosixSystem::endutxent() { ::endutxent(); }
 
 Dir* PosixSystem::opendir(const char* path)
 {

@@ -11,6 +11,12 @@ public:
     pid_t getpid() override;
     long sysconf(int name) override;
 
+    time_t time() override;
+    struct tm* localtime_r(const time_t* clock, struct tm* result) override;
+    void setutxent() override;
+    struct utmpx* getutxent() override;
+    void endutxent() override;
+
     Dir* opendir(const char* path) override;
     const char* readdir(Dir* dir) override;
     int closedir(Dir* dir) override;

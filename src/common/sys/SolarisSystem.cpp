@@ -2,6 +2,7 @@
 #if defined(__sun)
 
 #include <stdlib.h>
+#include <time.h>
 #include <sys/loadavg.h>
 #include <unistd.h>
 
@@ -29,6 +30,16 @@ public:
         return ::pset_info(pset, type, numcpus, cpulist);
     }
     int p_online(processorid_t cpu, int flag) override { return ::p_online(cpu, flag); }
+
+    void tzset(TimeZone& zone) override
+    {
+        ::tzset();
+        zone.timezone = ::timezone;
+        zone.altzone = ::altzone;
+        zone.daylight = ::daylight;
+        zone.standardName = ::tzname[0] ? ::tzname[0] : "";
+        zone.summerName = ::tzname[1] ? ::tzname[1] : "";
+    }
 };
 
 }  // namespace

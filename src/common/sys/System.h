@@ -7,8 +7,10 @@
 // procfs, sysfs and glibc; what Linux lacks fails as on a Solaris machine
 // without it), and the fake in tests/support.
 #include <sys/types.h>
+#include <utmpx.h>
 
 #include <cstdio>
+#include <ctime>
 #include <string>
 #include <vector>
 
@@ -20,6 +22,17 @@ namespace sys {
 class Dir {
 public:
     virtual ~Dir() = default;
+};
+
+// What tzset(3C) leaves in its globals: seconds west of UTC in standard and
+// in summer time (`timezone`, `altzone`), whether the zone has summer time
+// (`daylight`), and the two names (`tzname`).
+struct TimeZone {
+    long timezone = 0;
+    long altzone = 0;
+    int daylight = 0;
+    std::string standardName;
+    std::string summerName;
 };
 
 class System {
@@ -34,6 +47,16 @@ public:
     virtual long sysconf(int name) = 0;
     virtual int swapctl(int cmd, void* arg) = 0;
 
+    // ---- time, the time zone and the login records (utmpx)
+    virtual time_t time() = 0;
+    virtual void tzset(TimeZone& zone) = 0;
+    virtual struct tm* localtime_r(const time_t* clock, struct tm* result) = 0;
+    virtual void setutxent() = 0;
+    // The next record, or null at the end; valid until the next call. A
+    // run-level record holds "run-level N" in ut_line, as Solaris writes it.
+    virtual struct utmpx* getutxent() = 0;
+    virtual void endutxent() = 0;
+
     // ---- processor statistics
     virtual kstat_ctl_t* kstat_open() = 0;
     virtual int kstat_close(kstat_ctl_t* kc) = 0;
@@ -45,7 +68,7 @@ public:
     virtual int pset_info(psetid_t pset, int* type, uint_t* numcpus, processorid_t* cpulist) = 0;
     virtual int p_online(processorid_t cpu, int flag) = 0;
 
-    // ---- devices: the raw-disk directory, disk, SCSI and PROM controls,
+    // ---- files and devices: small system files, the raw-disk directory, disk, SCSI and PROM controls,
     // physical memory through the memory device
     virtual Dir* opendir(const char* path) = 0;
     virtual const char* readdir(Dir* dir) = 0;  // the next entry's name; null at the end

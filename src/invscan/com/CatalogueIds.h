@@ -169,3 +169,94 @@ enum SanAdapterAttrib : unsigned long {
     SAN_STATE = 9,
     SAN_SPEED = 10,
 };
+
+// "Operating System": one row; attributes 7 to 9 and 20 to 21 are never set.
+enum OperatingSystemAttrib : unsigned long {
+    OS_NAME = 1,
+    OS_TYPE = 2,
+    OS_MAJOR_VERSION = 3,
+    OS_MINOR_VERSION = 4,
+    OS_SUB_VERSION = 5,
+    OS_INSTALL_DATE = 6,
+    OS_ARCH = 10,
+    OS_KERNEL_MODE = 11,
+    OS_DESCRIPTION = 12,
+    OS_LANGUAGE_VERSION = 13,
+    OS_LOCALE_ID = 14,
+    OS_MESSAGES_LOCALE = 15,
+    OS_LAST_BOOT_UP_TIME = 16,
+    OS_CURRENT_USER_LOCALE_ID = 17,
+    OS_OS_NAME = 18,
+    OS_OS_VERSION = 19,
+    OS_MAINTENANCE_LEVEL = 22,
+};
+
+// "Operating System" types: values of the catalogue's operating-system list.
+enum OsType : unsigned long {
+    OS_TYPE_UNKNOWN = 1,
+    OS_TYPE_OTHER = 2,
+    OS_TYPE_SOLARIS = 30,
+    OS_TYPE_SUNOS = 31,
+    OS_TYPE_LINUX = 37,
+};
+
+enum RegionalAttrib : unsigned long {
+    REG_LOCAL = 1,
+    REG_TZ_SECONDS = 2,
+    REG_TZ_PLUS_MINUS = 3,
+    REG_DAYLIGHT = 4,
+    REG_TZ_NAME = 5,
+    REG_TZ_DAYLIGHT_NAME = 6,
+};
+enum RegionalValue : unsigned long { REG_PLUS = 1, REG_MINUS = 2, REG_DAYLIGHT_TRUE = 1, REG_DAYLIGHT_FALSE = 2 };
+
+enum UnixSystemParamsAttrib : unsigned long {
+    UNIX_BOOT_TIME = 1,
+    UNIX_RUN_LEVEL = 2,
+    UNIX_HOSTNAME = 3,
+    UNIX_COMPUTER_ALIAS = 4,
+};
+
+enum ScanInfoAttrib : unsigned long {
+    SCAN_MANUFACTURER = 1,
+    SCAN_MAJOR_VERSION = 2,
+    SCAN_MINOR_VERSION = 3,
+    SCAN_DATE = 4,
+    SCAN_BUILD = 5,
+    SCAN_UPTIME = 6,
+    SCAN_MAINTENANCE_VERSION = 7,
+    SCAN_MOBILITY_FLAG = 8,
+    SCAN_PATCH_LEVEL = 9,
+};
+
+enum KeyboardAttrib : unsigned long {
+    KBD_TYPE = 1,
+    KBD_SUB_TYPE = 2,
+    KBD_CODE_PAGE = 3,
+    KBD_FUNCTION_KEYS = 4,
+    KBD_CHARACTERS_PER_SECOND = 5,
+    KBD_REPEAT_DELAY = 6,
+};
+
+enum PciDeviceAttrib : unsigned long {
+    PCI_INDEX = 1,
+    PCI_NAME = 2,
+    PCI_REVISION = 3,
+};
+
+enum PhysicalProcessorAttrib : unsigned long {
+    PHYS_ID = 1,
+    PHYS_CORES_PER_PACKAGE = 2,
+    PHYS_LOGICAL_PER_CORE = 3,
+    PHYS_MANUFACTURER = 4,
+    PHYS_FAMILY = 5,
+    PHYS_TYPE = 6,
+    PHYS_CPU_FREQ = 7,
+    PHYS_L2_CACHE = 8,
+    PHYS_L3_CACHE = 9,
+    PHYS_BRANDNAME = 10,
+    PHYS_SIGNATURE = 11,
+    PHYS_IS_64BIT = 12,
+    PHYS_ACTIVE_PROCESSORS = 13,
+    PHYS_ACTIVE_CORES = 14,
+};

@@ -1,0 +1,32 @@
+#pragma once
+// The Solaris system files and commands that describe a machine, answered on
+// Linux from Linux's own sources, so the groups read one shape everywhere.
+// `root` prefixes every Linux path read ("" on a live machine; a test tree
+// otherwise).
+#if defined(__linux__)
+
+#include <string>
+#include <vector>
+
+namespace sys {
+namespace linuxanswers {
+
+// "/etc/release" (the release banner, from os-release), "/etc/default/init"
+// (TZ and the locale settings of the system), "/etc/default/kbd" (the
+// console's layout). False for any other path, or when Linux has nothing to say.
+bool answerFile(const std::string& path, const std::string& root, std::string& text);
+
+// "prtconf -pv" (a PROM node per PCI function, from sysfs) and "kbd -t -l"
+// (the first keyboard the kernel knows and the configured layout; exit
+// status 1 and no output without one, as kbd without a keyboard). False for
+// any other command.
+bool answerRun(const std::vector<std::string>& argv, const std::string& root, std::vector<std::string>& lines,
+               int& status);
+
+// The kernel's boot time (/proc/stat "btime"), or -1.
+long long bootTime(const std::string& root);
+
+}  // namespace linuxanswers
+}  // namespace sys
+
+#endif  // __linux__

@@ -1,0 +1,362 @@
+#include "invscan/solaris/SystemGroups.h"
+
+#include <cctype>
+#include <cstdlib>
+#include <cstring>
+#include <ctime>
+
+#include "InvscanVersion.h"  // generated from the project's version
+#include "common/sys/System.h"
+#include "common/util/SystemFile.h"
+#include "common/util/smbios.h"
+#include "common/vartree/vtexec.h"
+#include "framework/Trace.h"
+#include "invscan/com/CatalogueIds.h"
+#include "invscan/com/GroupFactory.h"
+#include "invscan/com/GroupRegistry.h"
+#include "invscan/com/probeVT.h"
+#include "invscan/solaris/SystemFacts.h"
+
+using systemfacts::fitted;
+using systemfacts::trimmed;
+
+namespace {
+
+const char* const kSource = "./../../../src/invscan/solaris/SystemGroups";
+
+#define SYS_TRACE(level, function, ...) CcLogWrapper::level(getCcLogHw(), __LINE__, kSource, function, __VA_ARGS__)
+
+// Where the release banner and the core package's install record live.
+const char* const kReleaseFile = "/etc/release";
+const char* const kCorePackageInfo = "/var/sadm/pkg/SUNWcsr/pkginfo";
+
+KorTableAttrib* text(unsigned long id, const std::string& value, size_t max)
+{
+    return new KorTableAttrib(id, fitted(value, max).c_str());
+}
+
+KorTableAttrib* number(unsigned long id, long long value) { return new KorTableAttrib(id, static_cast<unsigned int>(value)); }
+
+KorTableAttrib* when(unsigned long id, long long seconds) { return new KorTableAttrib(id, static_cast<long>(seconds)); }
+
+// A word that is a version: digits, perhaps after a 'v', in dotted parts.
+bool versionWord(const std::string& word, long& major, long& minor)
+{
+    size_t i = word[0] == 'v' || word[0] == 'V' ? 1 : 0;
+    if (i >= word.size() || !std::isdigit(static_cast<unsigned char>(word[i]))) return false;
+    for (size_t j = i; j < word.size(); ++j)
+        if (!std::isdigit(static_cast<unsigned char>(word[j])) && word[j] != '.') return false;
+    char* end = nullptr;
+    major = std::strtol(word.c_str() + i, &end, 10);
+    minor = *end == '.' ? std::strtol(end + 1, nullptr, 10) : 0;
+    return true;
+}
+
+int monthOf(const char* name)
+{
+    static const char* const months[] = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
+                                         "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
+    for (int m = 0; m < 12; ++m)
+        if (std::strncmp(name, months[m], 3) == 0) return m;
+    return -1;
+}
+
+// SMBIOS enclosure types that travel: portable, laptop, notebook, hand held,
+// sub notebook, tablet, convertible, detachable.
+int findEnclosure(const unsigned char* structure, const char*, void* context)
+{
+    if (structure[0] != 3 || structure[1] < 6) return 0;
+    const int type = structure[5] & 0x7F;
+    *static_cast<bool*>(context) = type == 8 || type == 9 || type == 10 || type == 11 || type == 14 ||
+                                   type == 30 || type == 31 || type == 32;
+    return 1;
+}
+
+}  // namespace
+
+// ---------------------------------------------------------------- Operating System
+
+unsigned long osType(const std::string& sysname, const std::string& release)
+{
+    if (sysname == "SunOS") return release.compare(0, 2, "5.") == 0 ? OS_TYPE_SOLARIS : OS_TYPE_SUNOS;
+    if (sysname == "Linux") return OS_TYPE_LINUX;
+    return sysname.empty() ? OS_TYPE_UNKNOWN : OS_TYPE_OTHER;
+}
+
+OsVersion osVersion(const OperatingSystemFacts& facts)
+{
+    OsVersion v;
+    if (!facts.banner.empty()) {
+        const std::string& line = facts.banner.front();
+        size_t start = 0;
+        while (start < line.size()) {
+            const size_t end = line.find(' ', start);
+            const std::string word = line.substr(start, end == std::string::npos ? std::string::npos : end - start);
+            if (!word.empty() && versionWord(word, v.major, v.minor)) return v;
+            if (end == std::string::npos) break;
+            start = end + 1;
+        }
+    }
+    if (!facts.release.empty() && !versionWord(facts.release.substr(0, facts.release.find_first_of("-+ ")), v.major, v.minor))
+        v = OsVersion();
+    return v;
+}
+
+long maintenanceLevel(const OperatingSystemFacts& facts)
+{
+    if (!facts.banner.empty()) {
+        const std::string& line = facts.banner.front();
+        const size_t at = line.find("_u");
+        if (at != std::string::npos && std::isdigit(static_cast<unsigned char>(line[at + 2]))) {
+            char* end = nullptr;
+            const long update = std::strtol(line.c_str() + at + 2, &end, 10);
+            if (std::strncmp(end, "wos", 3) == 0) return update;
+        }
+    }
+    // "11.4.42.111.0": the third figure is the support repository update.
+    const std::string& v = facts.version;
+    if (v.compare(0, 5, "11.4.") == 0 && std::isdigit(static_cast<unsigned char>(v[5])))
+        return std::strtol(v.c_str() + 5, nullptr, 10);
+    return -1;
+}
+
+long long parseInstallDate(const std::string& pkginfo)
+{
+    const auto settings = systemfacts::parseSettings(pkginfo);
+    auto it = settings.find("INSTDATE");
+    if (it == settings.end()) return -1;
+    char month[4] = {0};
+    int day = 0, year = 0, hour = 0, minute = 0;
+    if (std::sscanf(it->second.c_str(), "%3s %d %d %d:%d", month, &day, &year, &hour, &minute) != 5) return -1;
+    struct tm t{};
+    t.tm_mon = monthOf(month);
+    if (t.tm_mon < 0 || day < 1 || day > 31 || year < 1970 || hour > 23 || minute > 59) return -1;
+    t.tm_mday = day;
+    t.tm_year = year - 1900;
+    t.tm_hour = hour;
+    t.tm_min = minute;
+    t.tm_isdst = -1;
+    const time_t seconds = std::mktime(&t);
+    return seconds == static_cast<time_t>(-1) ? -1 : static_cast<long long>(seconds);
+}
+
+bool gatherOperatingSystemFacts(sys::System& os, VtExecInfo* cpuid, OperatingSystemFacts& facts)
+{
+    const char* fn = "gatherOperatingSystemFacts()";
+    facts = OperatingSystemFacts();
+    facts.sysname = systemfacts::sysinfoText(os, SI_SYSNAME);
+    facts.release = systemfacts::sysinfoText(os, SI_RELEASE);
+    facts.version = systemfacts::sysinfoText(os, SI_VERSION);
+    std::string banner;
+    if (util::readSystemFile(os, kReleaseFile, banner, 64 * 1024)) {
+        size_t start = 0;
+        while (start <= banner.size()) {
+            size_t end = banner.find('\n', start);
+            if (end == std::string::npos) end = banner.size();
+            const std::string line = trimmed(banner.substr(start, end - start));
+            if (!line.empty()) facts.banner.push_back(line);
+            start = end + 1;
+        }
+    } else {
+        SYS_TRACE(traceMID, fn, "hardware %s %s", "no release banner in", kReleaseFile);
+    }
+    if (facts.sysname.empty() && facts.banner.empty()) {
+        SYS_TRACE(traceMIN, fn, "hardware %s", "ERROR! neither sysinfo nor the release banner names the system");
+        return false;
+    }
+    // The probe's failure costs two attributes, not the table.
+    if (cpuid && cpuid->result == 0 && cpuid->root) {
+        if (VtNode* table = vtGetNode(cpuid, "ProcessorTable", 0)) {
+            facts.arch = table->getValue(nullptr, "OSSystemArch", "");
+            facts.kernelMode = table->getValue(nullptr, "OSKernelMode", "");
+        }
+    } else {
+        SYS_TRACE(traceMID, fn, "hardware %s", "no cpuid facts: architecture and kernel mode left out");
+    }
+    const systemfacts::Locales locales = systemfacts::readLocales(os);
+    facts.systemLocale = locales.system;
+    facts.messagesLocale = locales.messages;
+    facts.userLocale = locales.user;
+    facts.bootTime = systemfacts::bootTime(os);
+    std::string pkginfo;
+    if (util::readSystemFile(os, kCorePackageInfo, pkginfo, 64 * 1024)) facts.installTime = parseInstallDate(pkginfo);
+    SYS_TRACE(traceMAX, fn, "hardware %s %s %s", facts.sysname.c_str(), facts.release.c_str(), facts.version.c_str());
+    return true;
+}
+
+void shapeOperatingSystemRow(const OperatingSystemFacts& facts, KorTable& table)
+{
+    auto* row = new KorTableRow;
+    const std::string name = facts.banner.empty() ? facts.sysname + " " + facts.release : facts.banner.front();
+    row->addAttrib(text(OS_NAME, name, 128));
+    row->addAttrib(number(OS_TYPE, osType(facts.sysname, facts.release)));
+    const OsVersion version = osVersion(facts);
+    if (version.major >= 0) {
+        row->addAttrib(number(OS_MAJOR_VERSION, version.major));
+        row->addAttrib(number(OS_MINOR_VERSION, version.minor));
+    }
+    if (!facts.version.empty()) row->addAttrib(text(OS_SUB_VERSION, facts.version, 64));
+    if (facts.installTime > 0) row->addAttrib(when(OS_INSTALL_DATE, facts.installTime));
+    if (!facts.arch.empty()) row->addAttrib(text(OS_ARCH, facts.arch, 24));
+    if (!facts.kernelMode.empty()) row->addAttrib(text(OS_KERNEL_MODE, facts.kernelMode, 24));
+    std::string description;
+    for (const std::string& line : facts.banner) description += (description.empty() ? "" : " ") + line;
+    if (!description.empty()) row->addAttrib(text(OS_DESCRIPTION, description, 255));
+    row->addAttrib(text(OS_LANGUAGE_VERSION, systemfacts::languageOf(facts.systemLocale), 64));
+    row->addAttrib(text(OS_LOCALE_ID, facts.systemLocale, 64));
+    row->addAttrib(text(OS_MESSAGES_LOCALE, facts.messagesLocale, 64));
+    if (facts.bootTime > 0) row->addAttrib(when(OS_LAST_BOOT_UP_TIME, facts.bootTime));
+    row->addAttrib(text(OS_CURRENT_USER_LOCALE_ID, facts.userLocale, 64));
+    if (!facts.sysname.empty()) row->addAttrib(text(OS_OS_NAME, facts.sysname, 64));
+    if (!facts.release.empty()) row->addAttrib(text(OS_OS_VERSION, facts.release, 64));
+    const long level = maintenanceLevel(facts);
+    if (level >= 0) row->addAttrib(number(OS_MAINTENANCE_LEVEL, level));
+    table.addRow(row);
+}
+
+OperatingSystemGroup::OperatingSystemGroup() : KorGroup(OPERATING_SYSTEM_GROUP, 1) {}
+
+KorTable* OperatingSystemGroup::getTable()
+{
+    const char* fn = "getTable()";
+    CcLogWrapper::traceMidEntry(getCcLogHw(), __LINE__, kSource, fn, "hardware %s", "OperatingSystemGroup");
+    OperatingSystemFacts facts;
+    if (!gatherOperatingSystemFacts(sys::current(), getCpuidVT(), facts)) return nullptr;
+    auto* table = new KorTable(getGroupId(), getGroupVersion());
+    shapeOperatingSystemRow(facts, *table);
+    CcLogWrapper::traceMidExit(getCcLogHw(), __LINE__, kSource, fn, "hardware %s", "OperatingSystemGroup");
+    return table;
+}
+
+// ---------------------------------------------------------------- Regional
+
+RegionalFacts gatherRegionalFacts(sys::System& os)
+{
+    RegionalFacts facts;
+    facts.locale = systemfacts::readLocales(os).user;
+    sys::TimeZone zone;
+    os.tzset(zone);
+    const time_t now = os.time();
+    struct tm local{};
+    facts.summerTimeNow = os.localtime_r(&now, &local) && local.tm_isdst > 0;
+    facts.offsetEast = -(facts.summerTimeNow ? zone.altzone : zone.timezone);
+    facts.zoneName = zone.standardName;
+    if (zone.daylight) facts.summerZoneName = zone.summerName;
+    SYS_TRACE(traceMAX, "gatherRegionalFacts()", "hardware %s %ld %s", "offset east", facts.offsetEast,
+              facts.zoneName.c_str());
+    return facts;
+}
+
+void shapeRegionalRow(const RegionalFacts& facts, KorTable& table)
+{
+    auto* row = new KorTableRow;
+    row->addAttrib(text(REG_LOCAL, facts.locale, 32));
+    row->addAttrib(number(REG_TZ_SECONDS, facts.offsetEast < 0 ? -facts.offsetEast : facts.offsetEast));
+    row->addAttrib(number(REG_TZ_PLUS_MINUS, facts.offsetEast < 0 ? REG_MINUS : REG_PLUS));
+    row->addAttrib(number(REG_DAYLIGHT, facts.summerTimeNow ? REG_DAYLIGHT_TRUE : REG_DAYLIGHT_FALSE));
+    if (!facts.zoneName.empty()) row->addAttrib(text(REG_TZ_NAME, facts.zoneName, 64));
+    if (!facts.summerZoneName.empty()) row->addAttrib(text(REG_TZ_DAYLIGHT_NAME, facts.summerZoneName, 64));
+    table.addRow(row);
+}
+
+RegionalGroup::RegionalGroup() : KorGroup(REGIONAL_GROUP, 1) {}
+
+KorTable* RegionalGroup::getTable()
+{
+    const char* fn = "getTable()";
+    CcLogWrapper::traceMidEntry(getCcLogHw(), __LINE__, kSource, fn, "hardware %s", "RegionalGroup");
+    const RegionalFacts facts = gatherRegionalFacts(sys::current());
+    auto* table = new KorTable(getGroupId(), getGroupVersion());
+    shapeRegionalRow(facts, *table);
+    CcLogWrapper::traceMidExit(getCcLogHw(), __LINE__, kSource, fn, "hardware %s", "RegionalGroup");
+    return table;
+}
+
+// ---------------------------------------------------------------- UNIX System Params
+
+UnixSystemFacts gatherUnixSystemFacts(sys::System& os)
+{
+    UnixSystemFacts facts;
+    facts.bootTime = systemfacts::bootTime(os);
+    facts.runLevel = systemfacts::runLevel(os);
+    facts.hostname = systemfacts::sysinfoText(os, SI_HOSTNAME);
+    return facts;
+}
+
+void shapeUnixSystemRow(const UnixSystemFacts& facts, KorTable& table)
+{
+    auto* row = new KorTableRow;
+    if (facts.bootTime > 0) row->addAttrib(when(UNIX_BOOT_TIME, facts.bootTime));
+    if (facts.runLevel >= 0) row->addAttrib(number(UNIX_RUN_LEVEL, facts.runLevel));
+    if (!facts.hostname.empty()) {
+        row->addAttrib(text(UNIX_HOSTNAME, facts.hostname, 255));
+        // The alias is the name without its domain.
+        row->addAttrib(text(UNIX_COMPUTER_ALIAS, facts.hostname.substr(0, facts.hostname.find('.')), 32));
+    }
+    table.addRow(row);
+}
+
+UnixSystemParamsGroup::UnixSystemParamsGroup() : KorGroup(UNIX_SYSTEM_PARAMS_GROUP, 1) {}
+
+KorTable* UnixSystemParamsGroup::getTable()
+{
+    const char* fn = "getTable()";
+    CcLogWrapper::traceMidEntry(getCcLogHw(), __LINE__, kSource, fn, "hardware %s", "UnixSystemParamsGroup");
+    const UnixSystemFacts facts = gatherUnixSystemFacts(sys::current());
+    if (facts.bootTime <= 0 && facts.runLevel < 0 && facts.hostname.empty()) {
+        SYS_TRACE(traceMIN, fn, "hardware %s", "ERROR! no boot time, run level or host name");
+        return nullptr;
+    }
+    auto* table = new KorTable(getGroupId(), getGroupVersion());
+    shapeUnixSystemRow(facts, *table);
+    CcLogWrapper::traceMidExit(getCcLogHw(), __LINE__, kSource, fn, "hardware %s", "UnixSystemParamsGroup");
+    return table;
+}
+
+// ---------------------------------------------------------------- Scan Info
+
+ScanInfoFacts gatherScanInfoFacts(sys::System& os)
+{
+    ScanInfoFacts facts;
+    facts.now = os.time();
+    facts.bootTime = systemfacts::bootTime(os);
+    SMBIOS_Locator locator{};
+    if (find_SMBIOS(&locator) == 0) {
+        scan_SMBIOS(&locator, findEnclosure, &facts.portable);
+        free_SMBIOS(&locator);
+    }
+    return facts;
+}
+
+void shapeScanInfoRow(const ScanInfoFacts& facts, KorTable& table)
+{
+    auto* row = new KorTableRow;
+    row->addAttrib(text(SCAN_MANUFACTURER, "invscan", 64));
+    row->addAttrib(number(SCAN_MAJOR_VERSION, INVSCAN_VERSION_MAJOR));
+    row->addAttrib(number(SCAN_MINOR_VERSION, INVSCAN_VERSION_MINOR));
+    row->addAttrib(number(SCAN_MAINTENANCE_VERSION, INVSCAN_VERSION_PATCH));
+    row->addAttrib(number(SCAN_PATCH_LEVEL, 0));
+    row->addAttrib(when(SCAN_DATE, facts.now));
+    row->addAttrib(text(SCAN_BUILD, getBuildDateQVRB(), 64));
+    if (facts.bootTime > 0 && facts.now >= facts.bootTime) row->addAttrib(number(SCAN_UPTIME, facts.now - facts.bootTime));
+    row->addAttrib(number(SCAN_MOBILITY_FLAG, facts.portable ? 1 : 0));
+    table.addRow(row);
+}
+
+ScanInfoGroup::ScanInfoGroup() : KorGroup(SCAN_INFO_GROUP, 1) {}
+
+KorTable* ScanInfoGroup::getTable()
+{
+    const char* fn = "getTable()";
+    CcLogWrapper::traceMidEntry(getCcLogHw(), __LINE__, kSource, fn, "hardware %s", "ScanInfoGroup");
+    const ScanInfoFacts facts = gatherScanInfoFacts(sys::current());
+    auto* table = new KorTable(getGroupId(), getGroupVersion());
+    shapeScanInfoRow(facts, *table);
+    CcLogWrapper::traceMidExit(getCcLogHw(), __LINE__, kSource, fn, "hardware %s", "ScanInfoGroup");
+    return table;
+}
+
+INVSCAN_REGISTER_GROUP(OPERATING_SYSTEM_GROUP, OperatingSystemGroup);
+INVSCAN_REGISTER_GROUP(REGIONAL_GROUP, RegionalGroup);
+INVSCAN_REGISTER_GROUP(UNIX_SYSTEM_PARAMS_GROUP, UnixSystemParamsGroup);
+INVSCAN_REGISTER_GROUP(SCAN_INFO_GROUP, ScanInfoGroup);
