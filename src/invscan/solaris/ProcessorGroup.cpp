@@ -29,16 +29,20 @@ constexpr long kMaxRows = 65536;
 // Not filled by anything: hosts get an empty serial number.
 char g_serialNumber[64];
 
-// The identifier's text. The historical format ended in an incomplete "%l"
-// that printed nothing there; handing it to printf here would be undefined,
-// so the text simply stops after the stepping and the ids stay stable.
-std::string idText(const ProcessorPackage& p)
+}  // namespace
+
+// The historical format ended in an incomplete "%l" that printed nothing
+// there; handing it to printf here would be undefined, so the text simply
+// stops after the stepping and the ids stay stable.
+std::string processorIdText(const ProcessorPackage& p)
 {
     char text[512];
     std::snprintf(text, sizeof text, "%s%s%i%i%i%i%i%i%i%i", p.manufacturer.c_str(), "i386", 0, p.clockMHz,
                   p.clockMHz, 0, 0, p.family, p.model, p.stepping);
     return text;
 }
+
+namespace {
 
 // Rows the machine can have: one per core at most, so no more than its
 // processors (the configured ones: offline cores still have rows).
@@ -103,7 +107,7 @@ void shapeProcessorRows(const ProcessorFacts& facts, KorTable& table)
 {
     unsigned int index = 0;
     for (const ProcessorPackage& p : facts.packages) {
-        char* id = md5_checksum(idText(p).c_str());
+        char* id = md5_checksum(processorIdText(p).c_str());
         const auto clock = static_cast<unsigned int>(p.clockMHz);
         for (int c = 0; c < p.cores; ++c) {
             auto* row = new KorTableRow;

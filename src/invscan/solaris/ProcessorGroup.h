@@ -33,6 +33,9 @@ struct ProcessorFacts {
 // the probe failed, a package is missing, or the packages claim more cores
 // than the machine has processors.
 bool gatherProcessorFacts(VtExecInfo* info, ProcessorFacts& facts);
+// The text a package's ID digests: the same package gives the same text on
+// every scan.
+std::string processorIdText(const ProcessorPackage& p);
 // One row per core, Index counting across packages, one ID per package.
 void shapeProcessorRows(const ProcessorFacts& facts, KorTable& table);
 

@@ -1,0 +1,180 @@
+#include "invscan/solaris/PCIDeviceGroup.h"
+
+#include <cstdio>
+#include <cstdlib>
+
+#include "common/sys/System.h"
+#include "common/util/SystemFile.h"
+#include "framework/Trace.h"
+#include "framework/ZPopen.h"
+#include "invscan/com/CatalogueIds.h"
+#include "invscan/com/GroupRegistry.h"
+#include "invscan/solaris/SystemFacts.h"
+
+using systemfacts::trimmed;
+
+namespace {
+
+const char* const kSource = "./../../../src/invscan/solaris/PCIDeviceGroup";
+const char* const kFunction = "getTable()";
+#define PCI_TRACE(level, ...) CcLogWrapper::level(getCcLogHw(), __LINE__, kSource, kFunction, __VA_ARGS__)
+
+// Where systems keep the PCI id database: Solaris 11 and most Linux, Debian,
+// older systems.
+const char* const kDatabases[] = {"/usr/share/hwdata/pci.ids", "/usr/share/misc/pci.ids", "/usr/share/pci.ids"};
+
+long hexWord(const std::string& text)
+{
+    if (text.empty()) return -1;
+    char* end = nullptr;
+    const long value = std::strtol(text.c_str(), &end, 16);
+    return end && *end == '\0' && value >= 0 ? value : -1;
+}
+
+std::string unquoted(const std::string& text)
+{
+    if (text.size() >= 2 && text.front() == '\'' && text.back() == '\'') return text.substr(1, text.size() - 2);
+    return text;
+}
+
+bool wantedVendor(const std::vector<PciFunction>& wanted, long vendor)
+{
+    for (const PciFunction& f : wanted)
+        if (f.vendor == vendor) return true;
+    return false;
+}
+
+bool wantedDevice(const std::vector<PciFunction>& wanted, long vendor, long device)
+{
+    for (const PciFunction& f : wanted)
+        if (f.vendor == vendor && f.device == device) return true;
+    return false;
+}
+
+// "8086  Intel Corporation": a 4-digit id, two blanks, the name.
+bool idAndName(const std::string& text, long& id, std::string& name)
+{
+    if (text.size() < 7 || text[4] != ' ') return false;
+    id = hexWord(text.substr(0, 4));
+    name = trimmed(text.substr(5));
+    return id >= 0 && !name.empty();
+}
+
+}  // namespace
+
+std::vector<PciFunction> parsePromNodes(const std::vector<std::string>& lines)
+{
+    std::vector<PciFunction> out;
+    PciFunction node;
+    auto finish = [&] {
+        if (node.vendor >= 0 && node.device >= 0) out.push_back(node);
+        node = PciFunction();
+    };
+    for (const std::string& raw : lines) {
+        const std::string line = trimmed(raw);
+        if (line.compare(0, 7, "Node 0x") == 0) {
+            finish();
+            continue;
+        }
+        const size_t colon = line.find(':');
+        if (colon == std::string::npos) continue;
+        const std::string key = line.substr(0, colon), value = trimmed(line.substr(colon + 1));
+        if (key == "vendor-id")
+            node.vendor = hexWord(value);
+        else if (key == "device-id")
+            node.device = hexWord(value);
+        else if (key == "revision-id")
+            node.revision = hexWord(value);
+        else if (key == "model")
+            node.model = unquoted(value);
+    }
+    finish();
+    return out;
+}
+
+bool readPciIdsLine(const std::string& line, const std::vector<PciFunction>& wanted, long& vendor, PciNames& names)
+{
+    if (line.empty() || line[0] == '#') return true;
+    if (line[0] == 'C' && line.size() > 1 && line[1] == ' ') return false;  // the class list: no more devices
+    long id;
+    std::string name;
+    if (line[0] != '\t') {
+        vendor = idAndName(line, id, name) && wantedVendor(wanted, id) ? id : -1;
+        if (vendor >= 0) names.vendors[vendor] = name;
+    } else if (vendor >= 0 && line.size() > 1 && line[1] != '\t' && idAndName(line.substr(1), id, name) &&
+               wantedDevice(wanted, vendor, id)) {
+        names.devices[{vendor, id}] = name;
+    }
+    return true;
+}
+
+bool lookUpPciNames(sys::System& os, const std::vector<PciFunction>& functions, PciNames& names)
+{
+    for (const char* path : kDatabases) {
+        long vendor = -1;
+        if (util::forEachSystemFileLine(os, path, [&](const std::string& line) {
+                return readPciIdsLine(line, functions, vendor, names);
+            })) {
+            PCI_TRACE(traceMAX, "hardware %s %s", "PCI names from", path);
+            return true;
+        }
+    }
+    PCI_TRACE(traceMID, "hardware %s", "no PCI id database: devices named by their ids");
+    return false;
+}
+
+std::string pciName(const PciFunction& f, const PciNames& names)
+{
+    char ids[48];
+    auto vendor = names.vendors.find(f.vendor);
+    auto device = names.devices.find({f.vendor, f.device});
+    if (vendor != names.vendors.end() && device != names.devices.end()) return vendor->second + " " + device->second;
+    if (!f.model.empty()) return f.model;
+    if (vendor != names.vendors.end()) {
+        std::snprintf(ids, sizeof ids, " Device %04lx", f.device);
+        return vendor->second + ids;
+    }
+    std::snprintf(ids, sizeof ids, "Vendor %04lx Device %04lx", f.vendor, f.device);
+    return ids;
+}
+
+void shapePciRows(const std::vector<PciFunction>& functions, const PciNames& names, KorTable& table)
+{
+    unsigned int index = 0;
+    for (const PciFunction& f : functions) {
+        auto* row = new KorTableRow;
+        row->addAttrib(new KorTableAttrib(PCI_INDEX, ++index));
+        row->addAttrib(new KorTableAttrib(PCI_NAME, systemfacts::fitted(pciName(f, names), 180).c_str()));
+        if (f.revision >= 0) {
+            char revision[8];
+            std::snprintf(revision, sizeof revision, "%02lx", f.revision & 0xFF);
+            row->addAttrib(new KorTableAttrib(PCI_REVISION, revision));
+        }
+        table.addRow(row);
+    }
+}
+
+PCIDeviceGroup::PCIDeviceGroup() : KorGroup(PCI_DEVICE_GROUP, 1) {}
+
+KorTable* PCIDeviceGroup::getTable()
+{
+    CcLogWrapper::traceMidEntry(getCcLogHw(), __LINE__, kSource, kFunction, "hardware %s", "PCIDeviceGroup");
+    ZPopen prtconf(String("prtconf"), {String("-pv")});
+    if (prtconf.run() != 0) {
+        PCI_TRACE(traceMIN, "hardware %s %d", "ERROR! prtconf -pv failed, status", prtconf.exitStatus());
+        return nullptr;
+    }
+    const std::vector<PciFunction> functions = parsePromNodes(prtconf.lines());
+    if (functions.empty()) {
+        PCI_TRACE(traceMIN, "hardware %s", "ERROR! no PCI functions in the device tree");
+        return nullptr;
+    }
+    PciNames names;
+    lookUpPciNames(sys::current(), functions, names);
+    auto* table = new KorTable(getGroupId(), getGroupVersion());
+    shapePciRows(functions, names, *table);
+    CcLogWrapper::traceMidExit(getCcLogHw(), __LINE__, kSource, kFunction, "hardware %s", "PCIDeviceGroup");
+    return table;
+}
+
+INVSCAN_REGISTER_GROUP(PCI_DEVICE_GROUP, PCIDeviceGroup);

@@ -1,0 +1,123 @@
+#include "invscan/solaris/PhysicalProcessorGroup.h"
+
+#include <cstdlib>
+
+#include "common/vartree/vtexec.h"
+#include "framework/Trace.h"
+#include "invscan/com/CatalogueIds.h"
+#include "invscan/com/GroupRegistry.h"
+#include "invscan/com/md5.h"
+#include "invscan/com/probeVT.h"
+#include "invscan/solaris/ProcessorGroup.h"
+#include "invscan/solaris/SystemFacts.h"
+
+namespace {
+
+const char* const kSource = "./../../../src/invscan/solaris/PhysicalProcessorGroup";
+const char* const kFunction = "getTable()";
+#define PHYS_TRACE(level, ...) CcLogWrapper::level(getCcLogHw(), __LINE__, kSource, kFunction, __VA_ARGS__)
+
+// A package can hold no more than this; more is a broken probe.
+constexpr int kMaxPackages = 4096;
+
+KorTableAttrib* text(unsigned long id, const std::string& value, size_t max)
+{
+    return new KorTableAttrib(id, systemfacts::fitted(value, max).c_str());
+}
+
+KorTableAttrib* count(unsigned long id, int value)
+{
+    return new KorTableAttrib(id, static_cast<unsigned int>(value > 0 ? value : 0));
+}
+
+}  // namespace
+
+bool gatherPhysicalPackages(VtExecInfo* info, std::vector<PhysicalPackage>& packages)
+{
+    packages.clear();
+    if (!vtResultUsable(info, kSource, kFunction)) return false;
+    VtNode* table = vtGetNode(info, "ProcessorTable", 0);
+    if (!table) {
+        PHYS_TRACE(traceMIN, "ERROR: %s", "missing ProcessorTable");
+        return false;
+    }
+    const int total = table->getValue(nullptr, "TotalPackageCount", -1);
+    if (total < 1 || total > kMaxPackages) {
+        PHYS_TRACE(traceMIN, "[E] Invalid physical package count %d", total);
+        return false;
+    }
+    for (int p = 0; p < total; ++p) {
+        VtNode* proc = table->getChild("Processor", p);
+        if (!proc) {
+            PHYS_TRACE(traceMIN, "[E] Failed to read proc #%d from CPUID data", p);
+            packages.clear();
+            return false;
+        }
+        PhysicalPackage pkg;
+        pkg.manufacturer = proc->getValue(nullptr, "Manufacturer", "");
+        pkg.family = proc->getValue(nullptr, "Family", "");
+        pkg.type = proc->getValue(nullptr, "Type", "");
+        pkg.brand = proc->getValue(nullptr, "BrandName", "");
+        pkg.signature = proc->getValue(nullptr, "Signature", "");
+        pkg.is64bit = proc->getValue(nullptr, "Is64bit", "");
+        pkg.coresPerPackage = proc->getValue(nullptr, "TotalCoreCount", -1);
+        if (pkg.coresPerPackage < 1) pkg.coresPerPackage = proc->getValue("CPUID", "CorePerPackageCount", 1);
+        pkg.threadsPerCore = proc->getValue(nullptr, "ProcsPerCore", -1);
+        if (pkg.threadsPerCore < 1) pkg.threadsPerCore = proc->getValue("CPUID", "HtPerCoreCount", 1);
+        pkg.clockMHz = proc->getValue(nullptr, "CpuClockMHz", 0);
+        pkg.l2KB = proc->getValue(nullptr, "L2CacheSizeKB", 0);
+        pkg.l3KB = proc->getValue(nullptr, "L3CacheSizeKB", 0);
+        pkg.activeProcessors = proc->getValue(nullptr, "ActiveProcCount", -1);
+        pkg.activeCores = proc->getValue(nullptr, "ActiveCoreCount", -1);
+        // The Processor rows' ID text, then the package's place: identical
+        // packages still get an Id each, and it is stable across scans.
+        ProcessorPackage same;
+        same.manufacturer = pkg.manufacturer;
+        same.clockMHz = pkg.clockMHz;
+        same.family = proc->getValue("CPUID", "Family", 0);
+        same.model = proc->getValue("CPUID", "Model", 0);
+        same.stepping = proc->getValue("CPUID", "Stepping", 0);
+        pkg.id = processorIdText(same) + "#" + std::to_string(p);
+        packages.push_back(pkg);
+    }
+    return true;
+}
+
+void shapePhysicalProcessorRows(const std::vector<PhysicalPackage>& packages, KorTable& table)
+{
+    for (const PhysicalPackage& p : packages) {
+        auto* row = new KorTableRow;
+        char* id = md5_checksum(p.id.c_str());
+        row->addAttrib(text(PHYS_ID, id ? id : "", 64));
+        std::free(id);
+        row->addAttrib(text(PHYS_MANUFACTURER, p.manufacturer, 64));
+        row->addAttrib(text(PHYS_FAMILY, p.family, 64));
+        row->addAttrib(text(PHYS_TYPE, p.type, 64));
+        row->addAttrib(count(PHYS_CORES_PER_PACKAGE, p.coresPerPackage));
+        row->addAttrib(count(PHYS_LOGICAL_PER_CORE, p.threadsPerCore));
+        row->addAttrib(count(PHYS_CPU_FREQ, p.clockMHz));
+        row->addAttrib(count(PHYS_L2_CACHE, p.l2KB));
+        row->addAttrib(count(PHYS_L3_CACHE, p.l3KB));
+        row->addAttrib(text(PHYS_BRANDNAME, p.brand, 128));
+        row->addAttrib(text(PHYS_SIGNATURE, p.signature, 128));
+        if (!p.is64bit.empty()) row->addAttrib(text(PHYS_IS_64BIT, p.is64bit == "Yes" ? "Y" : "N", 1));
+        if (p.activeProcessors >= 0) row->addAttrib(count(PHYS_ACTIVE_PROCESSORS, p.activeProcessors));
+        if (p.activeCores >= 0) row->addAttrib(count(PHYS_ACTIVE_CORES, p.activeCores));
+        table.addRow(row);
+    }
+}
+
+PhysicalProcessorGroup::PhysicalProcessorGroup() : KorGroup(PHYSICAL_PROCESSOR_GROUP, 1) {}
+
+KorTable* PhysicalProcessorGroup::getTable()
+{
+    CcLogWrapper::traceMidEntry(getCcLogHw(), __LINE__, kSource, kFunction, "hardware %s", "PhysicalProcessorGroup");
+    std::vector<PhysicalPackage> packages;
+    if (!gatherPhysicalPackages(getCpuidVT(), packages)) return nullptr;
+    auto* table = new KorTable(getGroupId(), getGroupVersion());
+    shapePhysicalProcessorRows(packages, *table);
+    CcLogWrapper::traceMidExit(getCcLogHw(), __LINE__, kSource, kFunction, "hardware %s", "PhysicalProcessorGroup");
+    return table;
+}
+
+INVSCAN_REGISTER_GROUP(PHYSICAL_PROCESSOR_GROUP, PhysicalProcessorGroup);

@@ -1,0 +1,29 @@
+#pragma once
+// "PhysicalProcessor": one row per processor package, from the cpuid probe's
+// tree.
+#include <string>
+#include <vector>
+
+#include "invscan/com/KorGroup.h"
+
+class KorTable;
+struct VtExecInfo;
+
+class PhysicalProcessorGroup : public KorGroup {
+public:
+    PhysicalProcessorGroup();
+    KorTable* getTable() override;
+};
+
+struct PhysicalPackage {
+    std::string id;  // the Processor rows' ID text of this package, and its place
+    std::string manufacturer, family, type, brand, signature, is64bit;
+    int coresPerPackage = 1, threadsPerCore = 1;
+    int clockMHz = 0, l2KB = 0, l3KB = 0;
+    int activeProcessors = -1, activeCores = -1;
+};
+
+// All or nothing, as the Processor group: false (traced) when the probe
+// failed or a package it counts is missing.
+bool gatherPhysicalPackages(VtExecInfo* info, std::vector<PhysicalPackage>& packages);
+void shapePhysicalProcessorRows(const std::vector<PhysicalPackage>& packages, KorTable& table);
