@@ -95,6 +95,9 @@ std::string scanMachine(const std::string& dir)
         scanGroups(again, false);
         if (again != stripCatalogue(out)) out += "UNTRACED SCAN DIFFERS\n";
     }
+    // The build stamp differs from build to build.
+    const std::string stamp = getBuildDateQVRB();
+    for (size_t at; (at = out.find(stamp)) != std::string::npos;) out.replace(at, stamp.size(), "<build stamp>");
     out += zoneFacts();
     if (os.openKstatHandles() != 0) out += "LEAK: kernel statistics left open\n";
     if (os.openLibraries() != 0) out += "LEAK: libraries left open\n";

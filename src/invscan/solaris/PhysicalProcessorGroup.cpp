@@ -1,7 +1,10 @@
 #include "invscan/solaris/PhysicalProcessorGroup.h"
 
+#include <unistd.h>
+
 #include <cstdlib>
 
+#include "common/sys/System.h"
 #include "common/vartree/vtexec.h"
 #include "framework/Trace.h"
 #include "invscan/com/CatalogueIds.h"
@@ -20,9 +23,10 @@ const char* const kFunction = "getTable()";
 // A package can hold no more than this; more is a broken probe.
 constexpr int kMaxPackages = 4096;
 
-KorTableAttrib* text(unsigned long id, const std::string& value, size_t max)
+// A text the probe did not give is left out rather than shown empty.
+void addText(KorTableRow& row, unsigned long id, const std::string& value, size_t max)
 {
-    return new KorTableAttrib(id, systemfacts::fitted(value, max).c_str());
+    if (!value.empty()) row.addAttrib(new KorTableAttrib(id, systemfacts::fitted(value, max).c_str()));
 }
 
 KorTableAttrib* count(unsigned long id, int value)
@@ -32,7 +36,7 @@ KorTableAttrib* count(unsigned long id, int value)
 
 }  // namespace
 
-bool gatherPhysicalPackages(VtExecInfo* info, std::vector<PhysicalPackage>& packages)
+bool gatherPhysicalPackages(VtExecInfo* info, long processors, std::vector<PhysicalPackage>& packages)
 {
     packages.clear();
     if (!vtResultUsable(info, kSource, kFunction)) return false;
@@ -46,6 +50,7 @@ bool gatherPhysicalPackages(VtExecInfo* info, std::vector<PhysicalPackage>& pack
         PHYS_TRACE(traceMIN, "[E] Invalid physical package count %d", total);
         return false;
     }
+    long cores = 0;
     for (int p = 0; p < total; ++p) {
         VtNode* proc = table->getChild("Processor", p);
         if (!proc) {
@@ -62,6 +67,12 @@ bool gatherPhysicalPackages(VtExecInfo* info, std::vector<PhysicalPackage>& pack
         pkg.is64bit = proc->getValue(nullptr, "Is64bit", "");
         pkg.coresPerPackage = proc->getValue(nullptr, "TotalCoreCount", -1);
         if (pkg.coresPerPackage < 1) pkg.coresPerPackage = proc->getValue("CPUID", "CorePerPackageCount", 1);
+        cores += pkg.coresPerPackage;
+        if (processors > 0 && cores > processors) {
+            PHYS_TRACE(traceMIN, "[E] Invalid core count %d for proc #%d", pkg.coresPerPackage, p);
+            packages.clear();
+            return false;
+        }
         pkg.threadsPerCore = proc->getValue(nullptr, "ProcsPerCore", -1);
         if (pkg.threadsPerCore < 1) pkg.threadsPerCore = proc->getValue("CPUID", "HtPerCoreCount", 1);
         pkg.clockMHz = proc->getValue(nullptr, "CpuClockMHz", 0);
@@ -88,19 +99,19 @@ void shapePhysicalProcessorRows(const std::vector<PhysicalPackage>& packages, Ko
     for (const PhysicalPackage& p : packages) {
         auto* row = new KorTableRow;
         char* id = md5_checksum(p.id.c_str());
-        row->addAttrib(text(PHYS_ID, id ? id : "", 64));
+        row->addAttrib(new KorTableAttrib(PHYS_ID, id ? id : ""));
         std::free(id);
-        row->addAttrib(text(PHYS_MANUFACTURER, p.manufacturer, 64));
-        row->addAttrib(text(PHYS_FAMILY, p.family, 64));
-        row->addAttrib(text(PHYS_TYPE, p.type, 64));
+        addText(*row, PHYS_MANUFACTURER, p.manufacturer, 64);
+        addText(*row, PHYS_FAMILY, p.family, 64);
+        addText(*row, PHYS_TYPE, p.type, 64);
         row->addAttrib(count(PHYS_CORES_PER_PACKAGE, p.coresPerPackage));
         row->addAttrib(count(PHYS_LOGICAL_PER_CORE, p.threadsPerCore));
         row->addAttrib(count(PHYS_CPU_FREQ, p.clockMHz));
         row->addAttrib(count(PHYS_L2_CACHE, p.l2KB));
         row->addAttrib(count(PHYS_L3_CACHE, p.l3KB));
-        row->addAttrib(text(PHYS_BRANDNAME, p.brand, 128));
-        row->addAttrib(text(PHYS_SIGNATURE, p.signature, 128));
-        if (!p.is64bit.empty()) row->addAttrib(text(PHYS_IS_64BIT, p.is64bit == "Yes" ? "Y" : "N", 1));
+        addText(*row, PHYS_BRANDNAME, p.brand, 128);
+        addText(*row, PHYS_SIGNATURE, p.signature, 128);
+        if (!p.is64bit.empty()) addText(*row, PHYS_IS_64BIT, p.is64bit == "Yes" ? "Y" : "N", 1);
         if (p.activeProcessors >= 0) row->addAttrib(count(PHYS_ACTIVE_PROCESSORS, p.activeProcessors));
         if (p.activeCores >= 0) row->addAttrib(count(PHYS_ACTIVE_CORES, p.activeCores));
         table.addRow(row);
@@ -113,7 +124,9 @@ KorTable* PhysicalProcessorGroup::getTable()
 {
     CcLogWrapper::traceMidEntry(getCcLogHw(), __LINE__, kSource, kFunction, "hardware %s", "PhysicalProcessorGroup");
     std::vector<PhysicalPackage> packages;
-    if (!gatherPhysicalPackages(getCpuidVT(), packages)) return nullptr;
+    long processors = sys::current().sysconf(_SC_NPROCESSORS_CONF);
+    if (processors <= 0) processors = sys::current().sysconf(_SC_NPROCESSORS_ONLN);
+    if (!gatherPhysicalPackages(getCpuidVT(), processors, packages)) return nullptr;
     auto* table = new KorTable(getGroupId(), getGroupVersion());
     shapePhysicalProcessorRows(packages, *table);
     CcLogWrapper::traceMidExit(getCcLogHw(), __LINE__, kSource, kFunction, "hardware %s", "PhysicalProcessorGroup");

@@ -91,6 +91,7 @@ TEST(PlatformSystem, CpuStatRecordsOnePerProcessor)
     ASSERT_NE(kc, nullptr);
     int records = 0;
     for (kstat_t* k = kc->kc_chain; k; k = k->ks_next) {
+        if (std::strcmp(k->ks_module, "unix") == 0) continue;  // system_misc, below
         EXPECT_STREQ(k->ks_module, "cpu_stat");
         EXPECT_EQ(k->ks_type, KSTAT_TYPE_RAW);
         EXPECT_EQ(k->ks_data_size, 380u);
@@ -104,6 +105,21 @@ TEST(PlatformSystem, CpuStatRecordsOnePerProcessor)
     cpu_stat_t data{};
     ASSERT_NE(os.kstat_read(kc, first, &data), -1);
     EXPECT_GT(data.cpu_sysinfo.cpu[CPU_IDLE] + data.cpu_sysinfo.cpu[CPU_USER] + data.cpu_sysinfo.cpu[CPU_KERNEL], 0u);
+    EXPECT_EQ(os.kstat_lookup(kc, module, -1, missing), nullptr);
+    EXPECT_EQ(errno, ENOENT);
+    // The kernel's boot time, as the system description groups read it.
+    char unix[] = "unix", misc[] = "system_misc";
+    kstat_t* system = os.kstat_lookup(kc, unix, 0, misc);
+    ASSERT_NE(system, nullptr);
+    ASSERT_NE(os.kstat_read(kc, system, nullptr), -1);
+    ASSERT_EQ(system->ks_ndata, 1u);
+    const auto* boot = static_cast<const kstat_named_t*>(system->ks_data);
+    EXPECT_STREQ(boot->name, "boot_time");
+    long long btime = -1;
+    std::ifstream procStat("/proc/stat");
+    for (std::string line; std::getline(procStat, line);)
+        if (line.rfind("btime ", 0) == 0) btime = std::atoll(line.c_str() + 6);
+    EXPECT_EQ(sizeof(long) == 8 ? static_cast<long long>(boot->value.ui64) : boot->value.ui32, btime);
     EXPECT_EQ(os.kstat_lookup(kc, module, -1, missing), nullptr);
     EXPECT_EQ(errno, ENOENT);
     EXPECT_EQ(os.kstat_chain_update(kc), 0);
