@@ -76,6 +76,20 @@ int findEnclosure(const unsigned char* structure, const char*, void* context)
 
 // ---------------------------------------------------------------- Operating System
 
+std::vector<std::string> releaseBannerLines(const std::string& text)
+{
+    std::vector<std::string> lines;
+    size_t start = 0;
+    while (start < text.size()) {
+        size_t end = text.find('\n', start);
+        if (end == std::string::npos) end = text.size();
+        const std::string line = trimmed(text.substr(start, end - start));
+        if (!line.empty()) lines.push_back(line);
+        start = end + 1;
+    }
+    return lines;
+}
+
 unsigned long osType(const std::string& sysname, const std::string& release)
 {
     if (sysname == "SunOS") return release.compare(0, 2, "5.") == 0 ? OS_TYPE_SOLARIS : OS_TYPE_SUNOS;
@@ -149,14 +163,7 @@ bool gatherOperatingSystemFacts(sys::System& os, VtExecInfo* cpuid, OperatingSys
     facts.version = systemfacts::sysinfoText(os, SI_VERSION);
     std::string banner;
     if (util::readSystemFile(os, kReleaseFile, banner, 64 * 1024)) {
-        size_t start = 0;
-        while (start <= banner.size()) {
-            size_t end = banner.find('\n', start);
-            if (end == std::string::npos) end = banner.size();
-            const std::string line = trimmed(banner.substr(start, end - start));
-            if (!line.empty()) facts.banner.push_back(line);
-            start = end + 1;
-        }
+        facts.banner = releaseBannerLines(banner);
     } else {
         SYS_TRACE(traceMID, fn, "hardware %s %s", "no release banner in", kReleaseFile);
     }

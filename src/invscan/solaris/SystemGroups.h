@@ -22,6 +22,8 @@ struct OperatingSystemFacts {
     std::string systemLocale, messagesLocale, userLocale;
     long long bootTime = -1, installTime = -1;
 };
+// The banner's lines, trimmed, without empty ones.
+std::vector<std::string> releaseBannerLines(const std::string& text);
 // The release's version, from the banner's first version-looking word ("10"
 // of "Oracle Solaris 10 1/13 ...", "11.4", "v11"), else the kernel release.
 struct OsVersion {
