@@ -39,14 +39,10 @@ KorTableAttrib* count(unsigned long id, int value)
 bool gatherPhysicalPackages(VtExecInfo* info, long processors, std::vector<PhysicalPackage>& packages)
 {
     packages.clear();
-    if (!vtResultUsable(info, kSource, kFunction)) return false;
-    VtNode* table = vtGetNode(info, "ProcessorTable", 0);
-    if (!table) {
-        PHYS_TRACE(traceMIN, "ERROR: %s", "missing ProcessorTable");
-        return false;
-    }
-    const int total = table->getValue(nullptr, "TotalPackageCount", -1);
-    if (total < 1 || total > kMaxPackages) {
+    int total = 0;
+    VtNode* table = cpuidProcessorTable(info, kSource, total);
+    if (!table) return false;
+    if (total > kMaxPackages) {
         PHYS_TRACE(traceMIN, "[E] Invalid physical package count %d", total);
         return false;
     }

@@ -58,20 +58,30 @@ long rowLimit()
 
 }  // namespace
 
+VtNode* cpuidProcessorTable(VtExecInfo* info, const char* source, int& packages)
+{
+    packages = 0;
+    if (!vtResultUsable(info, source, kFunction)) return nullptr;
+    VtNode* processors = vtGetNode(info, "ProcessorTable", 0);
+    if (!processors) {
+        CcLogWrapper::traceMIN(getCcLogHw(), __LINE__, source, kFunction, "ERROR: %s", "missing ProcessorTable");
+        return nullptr;
+    }
+    packages = processors->getValue(nullptr, "TotalPackageCount", -1);
+    if (packages < 1) {
+        CcLogWrapper::traceMIN(getCcLogHw(), __LINE__, source, kFunction, "[E] Invalid physical package count %d",
+                               packages);
+        return nullptr;
+    }
+    return processors;
+}
+
 bool gatherProcessorFacts(VtExecInfo* info, ProcessorFacts& facts)
 {
     facts = ProcessorFacts();
-    if (!vtResultUsable(info, kSource, kFunction)) return false;
-    VtNode* processors = vtGetNode(info, "ProcessorTable", 0);
-    if (!processors) {
-        PROC_TRACE(traceMIN, "ERROR: %s", "missing ProcessorTable");
-        return false;
-    }
-    const int packages = processors->getValue(nullptr, "TotalPackageCount", -1);
-    if (packages < 1) {
-        PROC_TRACE(traceMIN, "[E] Invalid physical package count %d", packages);
-        return false;
-    }
+    int packages = 0;
+    VtNode* processors = cpuidProcessorTable(info, kSource, packages);
+    if (!processors) return false;
     const long limit = rowLimit();
     long rows = 0;
     for (int p = 0; p < packages; ++p) {

@@ -29,6 +29,11 @@ struct ProcessorFacts {
     std::vector<ProcessorPackage> packages;  // in package order
 };
 
+struct VtNode;
+// The probe's "ProcessorTable" and its package count (at least 1), or null
+// after the trace line of what was wrong, in the name of `source`.
+VtNode* cpuidProcessorTable(VtExecInfo* info, const char* source, int& packages);
+
 // Reads the probe's tree, all or nothing: false (with its trace line) when
 // the probe failed, a package is missing, or the packages claim more cores
 // than the machine has processors.

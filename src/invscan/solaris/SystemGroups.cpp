@@ -72,6 +72,21 @@ int findEnclosure(const unsigned char* structure, const char*, void* context)
     return 1;
 }
 
+void traceEntry(const char* group)
+{
+    CcLogWrapper::traceMidEntry(getCcLogHw(), __LINE__, kSource, "getTable()", "hardware %s", group);
+}
+
+// The group's table of one row that `shape` makes of `facts`; the exit traced.
+template <typename Facts>
+KorTable* oneRowTable(const KorGroup& group, const Facts& facts, void (*shape)(const Facts&, KorTable&), const char* name)
+{
+    auto* table = new KorTable(group.getGroupId(), group.getGroupVersion());
+    shape(facts, *table);
+    CcLogWrapper::traceMidExit(getCcLogHw(), __LINE__, kSource, "getTable()", "hardware %s", name);
+    return table;
+}
+
 }  // namespace
 
 // ---------------------------------------------------------------- Operating System
@@ -225,14 +240,10 @@ OperatingSystemGroup::OperatingSystemGroup() : KorGroup(OPERATING_SYSTEM_GROUP, 
 
 KorTable* OperatingSystemGroup::getTable()
 {
-    const char* fn = "getTable()";
-    CcLogWrapper::traceMidEntry(getCcLogHw(), __LINE__, kSource, fn, "hardware %s", "OperatingSystemGroup");
+    traceEntry("OperatingSystemGroup");
     OperatingSystemFacts facts;
     if (!gatherOperatingSystemFacts(sys::current(), getCpuidVT(), facts)) return nullptr;
-    auto* table = new KorTable(getGroupId(), getGroupVersion());
-    shapeOperatingSystemRow(facts, *table);
-    CcLogWrapper::traceMidExit(getCcLogHw(), __LINE__, kSource, fn, "hardware %s", "OperatingSystemGroup");
-    return table;
+    return oneRowTable(*this, facts, shapeOperatingSystemRow, "OperatingSystemGroup");
 }
 
 // ---------------------------------------------------------------- Regional
@@ -270,13 +281,8 @@ RegionalGroup::RegionalGroup() : KorGroup(REGIONAL_GROUP, 1) {}
 
 KorTable* RegionalGroup::getTable()
 {
-    const char* fn = "getTable()";
-    CcLogWrapper::traceMidEntry(getCcLogHw(), __LINE__, kSource, fn, "hardware %s", "RegionalGroup");
-    const RegionalFacts facts = gatherRegionalFacts(sys::current());
-    auto* table = new KorTable(getGroupId(), getGroupVersion());
-    shapeRegionalRow(facts, *table);
-    CcLogWrapper::traceMidExit(getCcLogHw(), __LINE__, kSource, fn, "hardware %s", "RegionalGroup");
-    return table;
+    traceEntry("RegionalGroup");
+    return oneRowTable(*this, gatherRegionalFacts(sys::current()), shapeRegionalRow, "RegionalGroup");
 }
 
 // ---------------------------------------------------------------- UNIX System Params
@@ -307,17 +313,13 @@ UnixSystemParamsGroup::UnixSystemParamsGroup() : KorGroup(UNIX_SYSTEM_PARAMS_GRO
 
 KorTable* UnixSystemParamsGroup::getTable()
 {
-    const char* fn = "getTable()";
-    CcLogWrapper::traceMidEntry(getCcLogHw(), __LINE__, kSource, fn, "hardware %s", "UnixSystemParamsGroup");
+    traceEntry("UnixSystemParamsGroup");
     const UnixSystemFacts facts = gatherUnixSystemFacts(sys::current());
     if (facts.bootTime <= 0 && facts.runLevel < 0 && facts.hostname.empty()) {
-        SYS_TRACE(traceMIN, fn, "hardware %s", "ERROR! no boot time, run level or host name");
+        SYS_TRACE(traceMIN, "getTable()", "hardware %s", "ERROR! no boot time, run level or host name");
         return nullptr;
     }
-    auto* table = new KorTable(getGroupId(), getGroupVersion());
-    shapeUnixSystemRow(facts, *table);
-    CcLogWrapper::traceMidExit(getCcLogHw(), __LINE__, kSource, fn, "hardware %s", "UnixSystemParamsGroup");
-    return table;
+    return oneRowTable(*this, facts, shapeUnixSystemRow, "UnixSystemParamsGroup");
 }
 
 // ---------------------------------------------------------------- Scan Info
@@ -354,13 +356,8 @@ ScanInfoGroup::ScanInfoGroup() : KorGroup(SCAN_INFO_GROUP, 1) {}
 
 KorTable* ScanInfoGroup::getTable()
 {
-    const char* fn = "getTable()";
-    CcLogWrapper::traceMidEntry(getCcLogHw(), __LINE__, kSource, fn, "hardware %s", "ScanInfoGroup");
-    const ScanInfoFacts facts = gatherScanInfoFacts(sys::current());
-    auto* table = new KorTable(getGroupId(), getGroupVersion());
-    shapeScanInfoRow(facts, *table);
-    CcLogWrapper::traceMidExit(getCcLogHw(), __LINE__, kSource, fn, "hardware %s", "ScanInfoGroup");
-    return table;
+    traceEntry("ScanInfoGroup");
+    return oneRowTable(*this, gatherScanInfoFacts(sys::current()), shapeScanInfoRow, "ScanInfoGroup");
 }
 
 INVSCAN_REGISTER_GROUP(OPERATING_SYSTEM_GROUP, OperatingSystemGroup);
