@@ -2,6 +2,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <set>
 
 #include "common/sys/System.h"
 #include "common/util/SystemFile.h"
@@ -110,10 +111,13 @@ bool readPciIdsLine(const std::string& line, const std::vector<PciFunction>& wan
 
 bool lookUpPciNames(sys::System& os, const std::vector<PciFunction>& functions, PciNames& names)
 {
+    std::set<std::pair<long, long>> wanted;
+    for (const PciFunction& f : functions) wanted.insert({f.vendor, f.device});
     for (const char* path : kDatabases) {
         long vendor = -1;
+        // The database is long (over a megabyte): stop once every device is named.
         if (util::forEachSystemFileLine(os, path, [&](const std::string& line) {
-                return readPciIdsLine(line, functions, vendor, names);
+                return readPciIdsLine(line, functions, vendor, names) && names.devices.size() < wanted.size();
             })) {
             PCI_TRACE(traceMAX, "hardware %s %s", "PCI names from", path);
             return true;
