@@ -309,6 +309,14 @@ int FakeSystem::munmap(void* addr, size_t)
     delete[] static_cast<char*>(addr);
     return 0;
 }
+int FakeSystem::statvfs64(const char* path, struct statvfs64* buf)
+{
+    auto it = fileSystems.find(path ? path : "");
+    if (it == fileSystems.end() || !buf) return failWith(ENOENT, -1);
+    *buf = it->second;
+    return 0;
+}
+
 FakeSystem::~FakeSystem()
 {
     for (auto& stream : m_streams) std::fclose(stream.first);

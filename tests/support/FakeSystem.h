@@ -59,6 +59,8 @@ public:
 
     // small files by path: what reading them gives
     std::map<std::string, std::string> files;
+    // mounted file systems' sizes by mount point; absent: ENOENT
+    std::map<std::string, struct statvfs64> fileSystems;
 
     bool loadavgFails = false;
     double loadavg[3] = {0, 0, 0};
@@ -155,6 +157,7 @@ public:
     long long lseek(int fd, long long offset, int whence) override;
     void* mmap(size_t length, int fd, long long offset) override;
     int munmap(void* addr, size_t length) override;
+    int statvfs64(const char* path, struct statvfs64* buf) override;
     void* dlopen(const char* path, int mode) override;
     void* dlsym(void* handle, const char* symbol) override;
     int dlclose(void* handle) override;

@@ -102,6 +102,8 @@ bool readDisk(const std::string& name, std::istream& in)
         } else if (kv.first == "tags") {
             d.label.v_nparts = static_cast<ushort_t>(f.size());
             for (size_t i = 0; i < f.size() && i < V_NUMPAR; ++i) d.label.v_part[i].p_tag = static_cast<ushort_t>(number(f, i));
+        } else if (kv.first == "sizes") {
+            for (size_t i = 0; i < f.size() && i < V_NUMPAR; ++i) d.label.v_part[i].p_size = static_cast<int32_t>(number(f, i));
         } else if (kv.first == "label") {
             std::snprintf(d.label.v_asciilabel, LEN_DKL_ASCII, "%s", kv.second.c_str());
         } else if (kv.first == "inquiry") {
@@ -168,6 +170,18 @@ bool readLine(const std::string& text, FakeSystem& os)
         return true;
     }
     if (facility == "time") return static_cast<bool>(in >> os.now);
+    if (facility == "statvfs") {
+        // "statvfs MOUNTPOINT FRSIZE BLOCKS FREE AVAIL": what statvfs64 says of it.
+        struct statvfs64 fs{};
+        unsigned long long frsize, blocks, bfree, bavail;
+        if (!(in >> name >> frsize >> blocks >> bfree >> bavail)) return false;
+        fs.f_bsize = fs.f_frsize = static_cast<unsigned long>(frsize);
+        fs.f_blocks = blocks;
+        fs.f_bfree = bfree;
+        fs.f_bavail = bavail;
+        os.fileSystems[name] = fs;
+        return true;
+    }
     if (facility == "boot-time") {
         long long seconds;
         if (!(in >> seconds)) return false;

@@ -147,6 +147,40 @@ std::string keyboardName(const std::string& root)
     return isKeyboard() ? name : std::string();
 }
 
+// /proc/mounts escapes blanks, tabs, line ends and backslashes as \ooo.
+std::string unescapeMountField(const std::string& field)
+{
+    std::string out;
+    for (size_t i = 0; i < field.size(); ++i) {
+        if (field[i] == '\\' && i + 3 < field.size() &&
+            field[i + 1] >= '0' && field[i + 1] <= '3' && field[i + 2] >= '0' && field[i + 2] <= '7' &&
+            field[i + 3] >= '0' && field[i + 3] <= '7') {
+            out += static_cast<char>((field[i + 1] - '0') * 64 + (field[i + 2] - '0') * 8 + (field[i + 3] - '0'));
+            i += 3;
+        } else {
+            out += field[i];
+        }
+    }
+    return out;
+}
+
+// Solaris's mount table: special, mount point, type, options and the time
+// of mounting, tab-separated, from /proc/self/mounts (which knows no time).
+std::string mountTable(const std::string& root)
+{
+    std::ifstream in(root + "/proc/self/mounts");
+    if (!in) return std::string();
+    std::ostringstream out;
+    for (std::string line; std::getline(in, line);) {
+        std::istringstream fields(line);
+        std::string special, mountPoint, type, options;
+        if (!(fields >> special >> mountPoint >> type >> options)) continue;
+        out << unescapeMountField(special) << '\t' << unescapeMountField(mountPoint) << '\t' << type << '\t'
+            << options << "\t0\n";
+    }
+    return out.str();
+}
+
 }  // namespace
 
 bool answerFile(const std::string& path, const std::string& root, std::string& text)
@@ -166,6 +200,10 @@ bool answerFile(const std::string& path, const std::string& root, std::string& t
         if (locale.empty()) locale = settings(root + "/etc/locale.conf");
         for (const auto& kv : locale)
             if (kv.first == "LANG" || kv.first.rfind("LC_", 0) == 0) out << kv.first << "=" << kv.second << "\n";
+    } else if (path == "/etc/mnttab") {
+        const std::string table = mountTable(root);
+        if (table.empty()) return false;
+        out << table;
     } else if (path == "/etc/default/kbd") {
         const std::string layout = settings(root + "/etc/default/keyboard")["XKBLAYOUT"];
         if (layout.empty()) return false;

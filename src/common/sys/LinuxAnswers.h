@@ -11,7 +11,8 @@
 namespace sys {
 namespace linuxanswers {
 
-// "/etc/release" (the release banner, from os-release), "/etc/default/init"
+// "/etc/release" (the release banner, from os-release), "/etc/mnttab" (the
+// mount table, from /proc/self/mounts), "/etc/default/init"
 // (TZ and the locale settings of the system), "/etc/default/kbd" (the
 // console's layout). False for any other path, or when Linux has nothing to say.
 bool answerFile(const std::string& path, const std::string& root, std::string& text);

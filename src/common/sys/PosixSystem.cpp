@@ -91,6 +91,7 @@ void* PosixSystem::mmap(size_t length, int fd, long long offset)
 }
 
 int PosixSystem::munmap(void* addr, size_t length) { return ::munmap(addr, length); }
+int PosixSystem::statvfs64(const char* path, struct statvfs64* buf) { return ::statvfs64(path, buf); }
 
 void* PosixSystem::dlopen(const char* path, int mode) { return ::dlopen(path, mode); }
 void* PosixSystem::dlsym(void* handle, const char* symbol) { return ::dlsym(handle, symbol); }

@@ -27,6 +27,7 @@ public:
     long long lseek(int fd, long long offset, int whence) override;
     void* mmap(size_t length, int fd, long long offset) override;
     int munmap(void* addr, size_t length) override;
+    int statvfs64(const char* path, struct statvfs64* buf) override;
 
     void* dlopen(const char* path, int mode) override;
     void* dlsym(void* handle, const char* symbol) override;

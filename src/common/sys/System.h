@@ -6,6 +6,7 @@
 // Implementations: Solaris (plain forwarding), Linux (real answers from
 // procfs, sysfs and glibc; what Linux lacks fails as on a Solaris machine
 // without it), and the fake in tests/support.
+#include <sys/statvfs.h>
 #include <sys/types.h>
 #include <utmpx.h>
 
@@ -81,6 +82,9 @@ public:
     // Shared, read-only; MAP_FAILED on failure. The offset is 64-bit (mmap64).
     virtual void* mmap(size_t length, int fd, long long offset) = 0;
     virtual int munmap(void* addr, size_t length) = 0;
+    // A mounted file system's sizes; the 64-bit form, so a 32-bit build
+    // sees file systems beyond 2^32 blocks.
+    virtual int statvfs64(const char* path, struct statvfs64* buf) = 0;
 
     // ---- run-time libraries
     virtual void* dlopen(const char* path, int mode) = 0;

@@ -260,3 +260,33 @@ enum PhysicalProcessorAttrib : unsigned long {
     PHYS_ACTIVE_PROCESSORS = 13,
     PHYS_ACTIVE_CORES = 14,
 };
+
+// "Partition": one row a mounted file system.
+enum PartitionAttrib : unsigned long {
+    PART_INDEX = 1,
+    PART_TYPE = 2,
+    PART_MEDIA_TYPE = 3,
+    PART_DEVICE_NAME = 4,
+    PART_PHYSICAL_SIZE = 5,
+    PART_FS_TYPE = 6,
+    PART_FS_ACCESS_POINT = 7,
+    PART_FS_MOUNT_POINT = 8,
+    PART_FS_TOTAL_SIZE = 9,
+    PART_FS_FREE_SIZE = 10,
+    PART_SERVER_HOSTNAME = 11,
+    PART_SERVER_PATH = 12,
+};
+enum PartitionType : unsigned long {
+    PART_TYPE_UNKNOWN = 0,
+    PART_TYPE_LOGICAL_DRIVE = 1,
+    PART_TYPE_REMOTE_DRIVE = 2,
+    PART_TYPE_LOGICAL_VOLUME = 3,
+};
+enum PartitionMediaType : unsigned long {
+    PART_MEDIA_UNKNOWN = 0,
+    PART_MEDIA_REMOVABLE = 2,
+    PART_MEDIA_LOCAL_DISK = 3,
+    PART_MEDIA_REMOTE = 4,
+    PART_MEDIA_CDROM = 5,
+    PART_MEDIA_RAM_DISK = 6,
+};
