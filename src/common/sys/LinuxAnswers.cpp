@@ -148,14 +148,16 @@ std::string keyboardName(const std::string& root)
 }
 
 // /proc/mounts escapes blanks, tabs, line ends and backslashes as \ooo.
+// Tabs and line ends stay escaped: they separate the mount table's fields.
 std::string unescapeMountField(const std::string& field)
 {
     std::string out;
     for (size_t i = 0; i < field.size(); ++i) {
-        if (field[i] == '\\' && i + 3 < field.size() &&
-            field[i + 1] >= '0' && field[i + 1] <= '3' && field[i + 2] >= '0' && field[i + 2] <= '7' &&
-            field[i + 3] >= '0' && field[i + 3] <= '7') {
-            out += static_cast<char>((field[i + 1] - '0') * 64 + (field[i + 2] - '0') * 8 + (field[i + 3] - '0'));
+        const bool octal = field[i] == '\\' && i + 3 < field.size() && field[i + 1] >= '0' && field[i + 1] <= '3' &&
+                           field[i + 2] >= '0' && field[i + 2] <= '7' && field[i + 3] >= '0' && field[i + 3] <= '7';
+        const char c = octal ? static_cast<char>((field[i + 1] - '0') * 64 + (field[i + 2] - '0') * 8 + (field[i + 3] - '0')) : 0;
+        if (octal && c != '\t' && c != '\n') {
+            out += c;
             i += 3;
         } else {
             out += field[i];

@@ -35,9 +35,9 @@ TEST(LinuxAnswers, SystemFilesFromLinuxSettings)
 
     // The mount table, tab-separated as Solaris writes it, blanks unescaped.
     EXPECT_FALSE(answerFile("/etc/mnttab", root.path(), text));
-    root.write("proc/self/mounts", "/dev/vda / ext4 rw,relatime 0 0\nserver:/a\\040b /mnt/a\\040b nfs rw 0 0\n");
+    root.write("proc/self/mounts", "/dev/vda / ext4 rw,relatime 0 0\nserver:/a\\040b /mnt/a\\011b nfs rw 0 0\n");
     ASSERT_TRUE(answerFile("/etc/mnttab", root.path(), text));
-    EXPECT_EQ(text, "/dev/vda\t/\text4\trw,relatime\t0\nserver:/a b\t/mnt/a b\tnfs\trw\t0\n");
+    EXPECT_EQ(text, "/dev/vda\t/\text4\trw,relatime\t0\nserver:/a b\t/mnt/a\\011b\tnfs\trw\t0\n");
 
     EXPECT_FALSE(answerFile("/etc/default/kbd", root.path(), text));
     root.write("etc/default/keyboard", "XKBMODEL=\"pc105\"\nXKBLAYOUT=\"de\"\n");
