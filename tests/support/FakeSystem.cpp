@@ -381,6 +381,7 @@ int FakeSystem::runCommand(const std::vector<std::string>& argv, int timeoutSeco
     lastTimeout = timeoutSeconds;
     std::string joined;
     for (const std::string& a : argv) joined += (joined.empty() ? "" : " ") + a;
+    ++runs[joined];
     auto it = commands.find(joined);
     if (it == commands.end() || it->second.fails) return failWith(ENOENT, -1);
     std::istringstream in(it->second.output);

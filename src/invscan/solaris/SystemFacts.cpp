@@ -47,13 +47,19 @@ long long kernelBootTime(sys::System& os)
 }
 
 // Solaris 11 keeps the system locale in the service configuration rather than
-// in /etc/default/init; older releases have no svcprop to ask.
+// in /etc/default/init; older releases have no svcprop to ask. Asked once
+// per process, as the probes are run once: both the operating system and
+// the regional group want it, and a spawn costs more than the whole read.
 std::string serviceLocale(sys::System& os)
 {
+    static bool asked = false;
+    static std::string answer;
+    if (asked) return answer;
     if (sysinfoText(os, SI_RELEASE).compare(0, 4, "5.11") != 0) return std::string();
+    asked = true;
     ZPopen svcprop(String("svcprop"), {String("-p"), String("environment/LANG"), String("svc:/system/environment:init")});
-    if (svcprop.run() != 0 || svcprop.lines().empty()) return std::string();
-    return trimmed(svcprop.lines().front());
+    if (svcprop.run() == 0 && !svcprop.lines().empty()) answer = trimmed(svcprop.lines().front());
+    return answer;
 }
 
 std::string firstSet(const std::map<std::string, std::string>& values, std::initializer_list<const char*> names)

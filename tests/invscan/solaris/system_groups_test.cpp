@@ -20,6 +20,7 @@
 #include "invscan/solaris/PCIDeviceGroup.h"
 #include "invscan/solaris/SystemFacts.h"
 #include "invscan/solaris/SystemGroups.h"
+#include "support/FakeSystem.h"
 #include "support/Fixtures.h"
 #include "support/TableReader.h"
 #include "support/TempDir.h"
@@ -124,6 +125,22 @@ TEST(SystemDescription, SettingsFilesAndInstallDates)
     EXPECT_EQ(parseInstallDate("PKG=SUNWcsr\nINSTDATE=Nov 30 2018 12:44\n"), 1543581840);
     for (const char* bad : {"INSTDATE=Smarch 30 2018 12:44", "INSTDATE=Nov 30 2018", "INSTDATE=Nov 31 2018 25:00", "PKG=x"})
         EXPECT_EQ(parseInstallDate(bad), -1) << bad;
+}
+
+TEST(SystemDescription, Solaris11AsksTheServiceLocaleOncePerProcess)
+{
+    FakeSystem os;
+    ScopedSystem scope(os);
+    os.sysinfoValues[SI_RELEASE] = "5.11";
+    os.files["/etc/default/init"] = "TZ=UTC\n";
+    const std::string svcprop = "svcprop -p environment/LANG svc:/system/environment:init";
+    os.commands[svcprop].output = "ja_JP.UTF-8\n";
+    ScopedEnv noLang("LANG", "");
+    ScopedEnv noAll("LC_ALL", "");
+    // The operating system and the regional group both want it.
+    EXPECT_EQ(systemfacts::readLocales(os).system, "ja_JP.UTF-8");
+    EXPECT_EQ(systemfacts::readLocales(os).user, "ja_JP.UTF-8");
+    EXPECT_EQ(os.runs[svcprop], 1);
 }
 
 TEST(SystemDescription, RealDefaultsFiles)
