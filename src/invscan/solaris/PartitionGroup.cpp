@@ -99,6 +99,13 @@ unsigned long long sliceBytes(sys::System& os, const std::string& special)
     return bytes;
 }
 
+// The mount option `word`, alone between commas.
+bool hasOption(const std::string& options, const char* word)
+{
+    const std::string wrapped = "," + options + ",";
+    return wrapped.find("," + std::string(word) + ",") != std::string::npos;
+}
+
 }  // namespace
 
 std::vector<MountEntry> parseMountTable(const std::string& text)
@@ -126,13 +133,6 @@ std::vector<MountEntry> parseMountTable(const std::string& text)
         out.push_back(m);
     }
     return out;
-}
-
-// The mount option `word`, alone between commas.
-static bool hasOption(const std::string& options, const char* word)
-{
-    const std::string wrapped = "," + options + ",";
-    return wrapped.find("," + std::string(word) + ",") != std::string::npos;
 }
 
 FileSystemKind classifyMount(const MountEntry& m)
