@@ -1,6 +1,7 @@
 #if defined(__linux__)
 
 #include "common/sys/LinuxAnswers.h"
+#include "common/sys/LinuxNetwork.h"
 
 #include <dirent.h>
 #include <unistd.h>
@@ -211,7 +212,7 @@ bool answerFile(const std::string& path, const std::string& root, std::string& t
         if (layout.empty()) return false;
         out << "LAYOUT=" << layout << "\n";
     } else {
-        return false;
+        return linuxnetwork::answerFile(path, root, text);
     }
     text = out.str();
     return true;
@@ -237,7 +238,7 @@ bool answerRun(const std::vector<std::string>& argv, const std::string& root, st
         if (!layout.empty()) lines.push_back("layout=" + layout);
         return true;
     }
-    return false;
+    return linuxnetwork::answerRun(argv, root, lines, status);
 }
 
 long long bootTime(const std::string& root)

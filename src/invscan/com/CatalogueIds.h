@@ -238,6 +238,61 @@ enum KeyboardAttrib : unsigned long {
     KBD_REPEAT_DELAY = 6,
 };
 
+// "IP Address": one row a configured IPv4 address.
+enum IpAddressAttrib : unsigned long {
+    IP_INDEX = 1,
+    IP_ADDRESS = 2,
+    IP_HOSTNAME = 3,
+    IP_DOMAIN = 4,
+    IP_SUBNET = 5,
+    IP_GATEWAY = 6,
+    IP_PRIMARY_DNS = 7,
+    IP_SECONDARY_DNS = 8,
+    IP_DHCP_ENABLED = 9,
+    IP_PERMANENT_MAC = 10,
+    IP_IPV6_ADDRESS = 11,
+};
+
+// "IPv6 Address": one row a configured IPv6 address.
+enum Ipv6AddressAttrib : unsigned long {
+    IPV6_INDEX = 1,
+    IPV6_ADDRESS = 2,
+    IPV6_HOSTNAME = 3,
+    IPV6_DOMAIN = 4,
+    IPV6_SUBNET = 5,
+    IPV6_GATEWAY = 6,
+    IPV6_PRIMARY_DNS = 7,
+    IPV6_SECONDARY_DNS = 8,
+    IPV6_PERMANENT_MAC = 9,
+    IPV6_SCOPE = 10,
+    IPV6_ADAPTER_NAME = 11,
+};
+
+// "Network Adapter": one row a data link.
+enum NetworkAdapterAttrib : unsigned long {
+    NET_INDEX = 1,
+    NET_ID = 2,
+    NET_PERMANENT_ADDRESS = 3,
+    NET_CURRENT_ADDRESS = 4,
+    NET_TYPE = 5,
+    NET_MODEL = 6,
+    NET_MANUFACTURER = 7,
+    NET_INSTALL_DATE = 8,
+    NET_CONNECTOR_TYPE = 9,
+    NET_PHYSICAL_TYPE = 10,
+    NET_ETHERCHANNEL_DEVICES = 11,
+    NET_DRIVER_PATH = 12,
+    NET_DRIVER_VERSION = 13,
+    NET_DRIVER_NAME = 14,
+    NET_DRIVER_MANUFACTURER = 15,
+};
+enum AdapterType : unsigned long {
+    ADAPTER_UNKNOWN = 1,
+    ADAPTER_OTHER = 2,
+    ADAPTER_ETHERNET = 3,
+    ADAPTER_LOOPBACK = 19,
+};
+
 enum PciDeviceAttrib : unsigned long {
     PCI_INDEX = 1,
     PCI_NAME = 2,

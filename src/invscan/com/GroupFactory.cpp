@@ -92,7 +92,7 @@ void GroupFactory::setHWConfigFile()
 
 void GroupFactory::startScan() {}
 
-void GroupFactory::endScan() {}
+void GroupFactory::endScan() { runScanEndHooks(); }
 
 KorGroup* GroupFactory::getKORGroup(unsigned long groupId)
 {

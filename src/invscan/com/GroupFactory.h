@@ -25,7 +25,7 @@ public:
     void setHWConfigFile();
     const String& getHWConfigFile() const { return m_HWConfigFile; }
 
-    // Bracket a scan; nothing to do.
+    // Bracket a scan; its end drops the facts its groups shared.
     void startScan();
     void endScan();
 

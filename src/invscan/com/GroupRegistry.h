@@ -13,3 +13,11 @@ GroupCreator findGroupClass(unsigned long groupId);
 #define INVSCAN_REGISTER_GROUP(groupId, Class)                                 \
     static const bool Class##_registered_ =                                    \
         registerGroupClass((groupId), []() -> KorGroup* { return new Class(); })
+
+// Facts some groups share within one scan register how to forget them; the
+// factory's endScan calls each, so the next scan reads the machine anew.
+using ScanEndHook = void (*)();
+bool registerScanEnd(ScanEndHook forget);
+void runScanEndHooks();
+
+#define INVSCAN_AT_SCAN_END(forget) static const bool forget##_at_scan_end_ = registerScanEnd(forget)

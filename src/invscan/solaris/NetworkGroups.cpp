@@ -1,0 +1,232 @@
+#include "invscan/solaris/NetworkGroups.h"
+
+#include <cstdlib>
+#include <exception>
+#include <memory>
+#include <set>
+
+#include "common/sys/System.h"
+#include "framework/Trace.h"
+#include "invscan/com/CatalogueIds.h"
+#include "invscan/com/GroupRegistry.h"
+#include "invscan/com/KorTable.h"
+#include "invscan/com/md5.h"
+#include "invscan/solaris/NetworkFacts.h"
+#include "invscan/solaris/PCIDeviceGroup.h"
+#include "invscan/solaris/SystemFacts.h"
+
+using network::Interface;
+using network::Link;
+using network::NetworkFacts;
+using systemfacts::fitted;
+
+namespace {
+
+const char* const kSource = "./../../../src/invscan/solaris/NetworkGroups";
+const char* const kFunction = "getTable()";
+#define NETG_TRACE(level, ...) CcLogWrapper::level(getCcLogHw(), __LINE__, kSource, kFunction, __VA_ARGS__)
+
+void addText(KorTableRow& row, unsigned long id, const std::string& value, size_t max)
+{
+    if (!value.empty()) row.addAttrib(new KorTableAttrib(id, fitted(value, max).c_str()));
+}
+
+std::string joined(const std::vector<std::string>& items, const char* separator)
+{
+    std::string out;
+    for (const std::string& item : items) out += (out.empty() ? "" : separator) + item;
+    return out;
+}
+
+// The domain the resolver names, else the one the host name carries.
+std::string domainOf(const NetworkFacts& facts)
+{
+    if (!facts.resolver.domain.empty()) return facts.resolver.domain;
+    const size_t dot = facts.hostname.find('.');
+    return dot == std::string::npos ? std::string() : facts.hostname.substr(dot + 1);
+}
+
+std::string nameserver(const NetworkFacts& facts, size_t n)
+{
+    return n < facts.resolver.nameservers.size() ? facts.resolver.nameservers[n] : std::string();
+}
+
+// An address of this system that a row shows: configured, not loopback, not
+// a non-global zone's (that zone's own scan shows it).
+bool shown(const Interface& i, bool ipv6)
+{
+    if (i.ipv6 != ipv6 || i.address.empty() || i.has("LOOPBACK") || !i.zone.empty()) return false;
+    return ipv6 ? !network::networkOf(i.address, 128, true).empty() && i.address != "::" && i.address != "::1"
+                : i.address != "0.0.0.0" && i.address.compare(0, 4, "127.") != 0;
+}
+
+// The interface's IPv6 address for the IPv4 row: a global one before a link-local one.
+std::string ipv6Beside(const NetworkFacts& facts, const Interface& v4)
+{
+    std::string linkLocal;
+    for (const Interface& i : facts.interfaces) {
+        if (!shown(i, true) || i.physical() != v4.physical()) continue;
+        if (ipv6Scope(i.address) != "Link-Local") return i.address;
+        if (linkLocal.empty()) linkLocal = i.address;
+    }
+    return linkLocal;
+}
+
+std::string ipv6Subnet(const Interface& i)
+{
+    const std::string network = network::networkOf(i.address, i.prefix, true);
+    if (network.empty()) return std::string();
+    const std::string cidr = network + "/" + std::to_string(i.prefix);
+    return cidr.size() <= 40 ? cidr : "/" + std::to_string(i.prefix);
+}
+
+unsigned long adapterType(const Link& l)
+{
+    if (l.media == "Ethernet") return ADAPTER_ETHERNET;
+    if (!l.media.empty()) return ADAPTER_OTHER;
+    // Solaris 10 does not name the medium: a 6-byte address is Ethernet's.
+    const std::string mac = l.currentMac.empty() ? l.factoryMac : l.currentMac;
+    return mac.size() == 17 ? ADAPTER_ETHERNET : ADAPTER_UNKNOWN;
+}
+
+template <typename Shape>
+KorTable* table(KorGroup& group, const char* name, Shape shape)
+{
+    CcLogWrapper::traceMidEntry(getCcLogHw(), __LINE__, kSource, kFunction, "hardware %s", name);
+    std::unique_ptr<KorTable> table;
+    try {
+        const std::shared_ptr<const NetworkFacts> facts = network::scanNetwork(sys::current());
+        table = std::make_unique<KorTable>(group.getGroupId(), group.getGroupVersion());
+        shape(*facts, *table);
+    } catch (const std::exception& e) {
+        NETG_TRACE(traceMIN, "hardware ERROR! %s %s", name, e.what());
+        return nullptr;
+    }
+    if (table->getRowCount() == 0) {
+        NETG_TRACE(traceMID, "hardware %s %s", name, "has no rows");
+        return nullptr;
+    }
+    CcLogWrapper::traceMidExit(getCcLogHw(), __LINE__, kSource, kFunction, "hardware %s %lu %s", name,
+                               table->getRowCount(), "rows");
+    return table.release();
+}
+
+}  // namespace
+
+std::string ipv6Scope(const std::string& address)
+{
+    const long first = std::strtol(address.substr(0, address.find(':')).c_str(), nullptr, 16);
+    if ((first & 0xFFC0) == 0xFE80) return "Link-Local";
+    if ((first & 0xFFC0) == 0xFEC0) return "Site-Local";
+    if ((first & 0xFE00) == 0xFC00) return "Unique Local";
+    return "Global";
+}
+
+void shapeAdapterRows(const NetworkFacts& facts, const PciNames& names, KorTable& table)
+{
+    unsigned int index = 0;
+    for (const Link& l : facts.links) {
+        const std::string permanent = l.factoryMac.empty() ? l.currentMac : l.factoryMac;
+        const std::string current = l.currentMac.empty() ? l.factoryMac : l.currentMac;
+        // The address a link is born with, and its driver: neither moves when
+        // addresses are configured, nor across reboots.
+        const std::string idText = (permanent.empty() ? l.name : permanent) + l.driver();
+        char* id = md5_checksum(idText.c_str());
+        auto* row = new KorTableRow;
+        row->addAttrib(new KorTableAttrib(NET_INDEX, ++index));
+        if (id) row->addAttrib(new KorTableAttrib(NET_ID, id));
+        std::free(id);
+        addText(*row, NET_PERMANENT_ADDRESS, permanent, 64);
+        addText(*row, NET_CURRENT_ADDRESS, current, 64);
+        row->addAttrib(new KorTableAttrib(NET_TYPE, adapterType(l)));
+        auto ids = facts.pciIds.find(l.device);
+        if (ids != facts.pciIds.end()) {
+            auto device = names.devices.find(ids->second);
+            auto vendor = names.vendors.find(ids->second.first);
+            if (device != names.devices.end()) addText(*row, NET_MODEL, device->second, 255);
+            if (vendor != names.vendors.end()) addText(*row, NET_MANUFACTURER, vendor->second, 128);
+        }
+        addText(*row, NET_PHYSICAL_TYPE, l.media, 64);
+        addText(*row, NET_ETHERCHANNEL_DEVICES, joined(l.members, ", "), 128);
+        auto path = facts.driverPaths.find(l.driver());
+        if (path != facts.driverPaths.end()) addText(*row, NET_DRIVER_PATH, path->second, 255);
+        auto version = facts.driverVersions.find(l.driver());
+        if (version != facts.driverVersions.end()) addText(*row, NET_DRIVER_VERSION, version->second, 255);
+        addText(*row, NET_DRIVER_NAME, l.driver(), 255);
+        table.addRow(row);
+    }
+}
+
+void shapeIpv4Rows(const NetworkFacts& facts, KorTable& table)
+{
+    unsigned int index = 0;
+    std::set<std::string> seen;  // the address is the table's key
+    for (const Interface& i : facts.interfaces) {
+        if (!shown(i, false) || !seen.insert(i.address).second) continue;
+        auto* row = new KorTableRow;
+        row->addAttrib(new KorTableAttrib(IP_INDEX, ++index));
+        addText(*row, IP_ADDRESS, i.address, 40);
+        row->addAttrib(new KorTableAttrib(IP_DHCP_ENABLED, i.has("DHCP") ? "Y" : "N"));
+        addText(*row, IP_HOSTNAME, facts.hostname, 64);
+        addText(*row, IP_DOMAIN, domainOf(facts), 64);
+        addText(*row, IP_SUBNET, network::ipv4Mask(i.prefix), 40);
+        addText(*row, IP_GATEWAY, facts.gatewayOf(i), 40);
+        addText(*row, IP_PRIMARY_DNS, nameserver(facts, 0), 40);
+        addText(*row, IP_SECONDARY_DNS, nameserver(facts, 1), 40);
+        addText(*row, IP_PERMANENT_MAC, facts.permanentMac(i), 64);
+        addText(*row, IP_IPV6_ADDRESS, ipv6Beside(facts, i), 64);
+        table.addRow(row);
+    }
+}
+
+void shapeIpv6Rows(const NetworkFacts& facts, KorTable& table)
+{
+    unsigned int index = 0;
+    std::set<std::string> seen;
+    for (const Interface& i : facts.interfaces) {
+        if (!shown(i, true) || !seen.insert(i.address).second) continue;
+        auto* row = new KorTableRow;
+        row->addAttrib(new KorTableAttrib(IPV6_INDEX, ++index));
+        addText(*row, IPV6_ADDRESS, i.address, 40);
+        addText(*row, IPV6_HOSTNAME, facts.hostname, 64);
+        addText(*row, IPV6_DOMAIN, domainOf(facts), 64);
+        addText(*row, IPV6_SUBNET, ipv6Subnet(i), 40);
+        addText(*row, IPV6_GATEWAY, facts.gatewayOf(i), 40);
+        addText(*row, IPV6_PRIMARY_DNS, nameserver(facts, 0), 40);
+        addText(*row, IPV6_SECONDARY_DNS, nameserver(facts, 1), 40);
+        addText(*row, IPV6_PERMANENT_MAC, facts.permanentMac(i), 64);
+        addText(*row, IPV6_SCOPE, ipv6Scope(i.address), 24);
+        addText(*row, IPV6_ADAPTER_NAME, i.name, 128);
+        table.addRow(row);
+    }
+}
+
+NetworkAdapterGroup::NetworkAdapterGroup() : KorGroup(NETWORK_ADAPTER_GROUP, 1) {}
+
+KorTable* NetworkAdapterGroup::getTable()
+{
+    return table(*this, "NetworkAdapterGroup", [](const NetworkFacts& facts, KorTable& t) {
+        std::vector<PciFunction> functions;
+        for (const auto& ids : facts.pciIds) {
+            PciFunction f;
+            f.vendor = ids.second.first;
+            f.device = ids.second.second;
+            functions.push_back(f);
+        }
+        PciNames names;
+        if (!functions.empty()) lookUpPciNames(sys::current(), functions, names);
+        shapeAdapterRows(facts, names, t);
+    });
+}
+
+IpAddressGroup::IpAddressGroup() : KorGroup(IP_ADDRESS_GROUP, 1) {}
+
+KorTable* IpAddressGroup::getTable() { return table(*this, "IpAddressGroup", shapeIpv4Rows); }
+
+Ipv6AddressGroup::Ipv6AddressGroup() : KorGroup(IPV6_ADDRESS_GROUP, 1) {}
+
+KorTable* Ipv6AddressGroup::getTable() { return table(*this, "Ipv6AddressGroup", shapeIpv6Rows); }
+
+INVSCAN_REGISTER_GROUP(NETWORK_ADAPTER_GROUP, NetworkAdapterGroup);
+INVSCAN_REGISTER_GROUP(IP_ADDRESS_GROUP, IpAddressGroup);
+INVSCAN_REGISTER_GROUP(IPV6_ADDRESS_GROUP, Ipv6AddressGroup);
