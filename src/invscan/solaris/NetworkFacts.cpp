@@ -123,11 +123,13 @@ std::vector<Interface> parseIfconfig(const std::vector<std::string>& lines)
         Interface& i = out.back();
         const std::vector<std::string> w = words(line);
         if (w.size() < 2) continue;
-        if (w[0] == "inet" && w[1] != "tunnel") {
+        // A heading has one address: the first line that gives one.
+        const bool addressed = !i.address.empty();
+        if (w[0] == "inet" && w[1] != "tunnel" && !addressed) {
             i.address = w[1];
             for (size_t k = 2; k + 1 < w.size(); ++k)
                 if (w[k] == "netmask") i.prefix = bitsOfMask(w[k + 1]);
-        } else if (w[0] == "inet6" && w[1] != "tunnel") {
+        } else if (w[0] == "inet6" && w[1] != "tunnel" && !addressed) {
             const size_t slash = w[1].find('/');
             i.address = w[1].substr(0, slash);
             if (slash != std::string::npos) i.prefix = std::atoi(w[1].c_str() + slash + 1);
@@ -475,7 +477,7 @@ NetworkFacts gatherNetwork(sys::System& os)
         if (run("modinfo", {}, lines)) facts.driverVersions = parseModuleVersions(lines);
         if (util::readSystemFile(os, "/etc/path_to_inst", text, 4 << 20)) facts.pciIds = parsePciNodes(text);
         for (const Link& l : facts.links)
-            if (!l.aggregation && !facts.driverPaths.count(l.driver()))
+            if (!facts.driverPaths.count(l.driver()))
                 facts.driverPaths[l.driver()] = driverPath(os, l.driver());
     }
     CcLogWrapper::traceMidExit(getCcLogHw(), __LINE__, kSource, kFunction, "hardware %zu %s, %zu %s",
