@@ -6,6 +6,7 @@
 
 #include "common/sys/System.h"
 #include "framework/NimCfg.h"
+#include "framework/RunLog.h"
 #include "framework/Trace.h"
 #include "framework/utils.h"
 
@@ -24,8 +25,12 @@ int ZPopen::run()
     const int timeout = NimCfg::getTimeout();
     CcLogWrapper::traceMidEntry(getCcLogHw(), __LINE__, kSource, "run()", "hardware %s (time-out %d s)",
                                 m_argv[0].c_str(), timeout);
+    std::string line = m_argv[0];
+    for (size_t i = 1; i < m_argv.size(); ++i) line += " " + m_argv[i];
+    runlog::Timed timed(line);
     errno = 0;
     m_status = sys::current().runCommand(m_argv, timeout, m_lines);
+    timed.setStatus(m_status);
     m_timedOut = m_status == -1 && errno == ETIMEDOUT;
     if (m_timedOut)
         CcLogWrapper::traceMIN(getCcLogHw(), __LINE__, kSource, "run()", "[E] %s timed out after %d s",

@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
+#include <map>
 #include <regex>
 #include <set>
 #include <sstream>
@@ -102,6 +103,9 @@ TEST_F(Cli, MistakesGiveAMessageAndExitTwo)
         {{"--config", fifo, "list"}, fifo.c_str()},
         {{"--hwconfig", fifo, "scan", "Memory"}, fifo.c_str()},
         {{"--hwconfig", "/dev/zero", "scan", "Memory"}, "/dev/zero"},
+        {{"scan", "--exclude", "Nope"}, "unknown group 'Nope' to exclude"},
+        {{"scan", "--deadline", "0"}, "--deadline"},
+        {{"scan", "--deadline", "soon"}, "--deadline"},
     };
     for (const Case& c : cases) {
         std::string joined;
@@ -240,6 +244,58 @@ TEST_F(Cli, ProbeFindsTheShippedCpuidBesideItself)
     const Result r = run({"probe", "cpuid"}, "env -u NIM_HOMEDIR");
     EXPECT_EQ(r.code, 0) << r.err;
     EXPECT_NE(r.out.find("(ProcessorTable"), std::string::npos) << r.out;
+}
+
+}  // namespace
+
+namespace {
+
+std::map<std::string, nlohmann::json> byName(const nlohmann::json& document)
+{
+    std::map<std::string, nlohmann::json> out;
+    for (const auto& g : document.at("groups")) out[g.at("name")] = g;
+    return out;
+}
+
+// Operators keep groups off a machine by option or by key; a deadline skips
+// what it leaves no time for; --timing tells where the time went.
+TEST_F(Cli, ExcludeDeadlineAndTiming)
+{
+    Result r = run({"--set", "hwscanner.exclude=Memory, 47", "--format", "json", "scan", "--exclude", "cpumeter",
+                    "--timing", "Memory", "UnixCpuMeter", "CpuMeter", "Processor"});
+    ASSERT_EQ(r.code, 0) << r.err;
+    nlohmann::json document = nlohmann::json::parse(r.out);
+    auto groups = byName(document);
+    for (const char* name : {"Memory", "UnixCpuMeter", "CpuMeter"}) {
+        EXPECT_EQ(groups[name].at("status"), "excluded") << name;
+        EXPECT_EQ(groups[name].at("reason"), "hwscanner.exclude") << name;
+    }
+    EXPECT_EQ(groups["Processor"].at("status"), "scanned");
+    const nlohmann::json& timing = document.at("timing");
+    ASSERT_EQ(timing.at("groups").size(), 1u);  // only what ran is timed
+    EXPECT_EQ(timing.at("groups")[0].at("name"), "Processor");
+    double sum = 0;
+    bool probe = false;
+    for (const auto& run : timing.at("runs")) {
+        sum += run.at("seconds").get<double>();
+        probe |= run.at("run").get<std::string>().find("/bin/cpuid") != std::string::npos && run.at("status") == 0;
+    }
+    EXPECT_TRUE(probe) << timing.dump();
+    EXPECT_LE(sum, timing.at("seconds").get<double>());
+
+    r = run({"scan", "--timing", "Memory"});
+    EXPECT_NE(r.out.find("Timing (seconds)"), std::string::npos);
+    EXPECT_NE(r.out.find("group Memory"), std::string::npos);
+
+    // A deadline long past when the second group would start.
+    r = run({"--format", "json", "scan", "--deadline", "0.000001", "Memory", "UnixCpuMeter"});
+    ASSERT_EQ(r.code, 1) << r.err;  // nothing ran: no group gave a table
+    groups = byName(nlohmann::json::parse(r.out));
+    EXPECT_EQ(groups["Memory"].at("status"), "skipped");
+    EXPECT_EQ(groups["UnixCpuMeter"].at("reason"), "the scan's deadline had passed");
+    r = run({"scan", "--deadline", "600", "Memory"});
+    EXPECT_EQ(r.code, 0);
+    EXPECT_EQ(r.out.find("skipped"), std::string::npos);
 }
 
 }  // namespace

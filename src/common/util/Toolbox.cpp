@@ -8,6 +8,7 @@
 #include <cstring>
 
 #include "common/sys/System.h"
+#include "framework/RunLog.h"
 #include "framework/utils.h"
 
 namespace {
@@ -193,11 +194,12 @@ bool Toolbox::getCmdValue(const char* command, std::string& out)
     // The one place a shell runs a command line: the callers write pipes
     // and redirections into it.
     sys::System& os = sys::current();
+    runlog::Timed timed(command ? command : "");
     FILE* pipe = command ? os.popen(command, "r") : nullptr;
     if (!pipe) return false;
     char line[255];
     const bool got = std::fgets(line, sizeof line - 1, pipe) != nullptr;
-    os.pclose(pipe);
+    timed.setStatus(runlog::exitStatus(os.pclose(pipe)));
     if (got) out = line;
     return got;
 }

@@ -17,6 +17,7 @@
 
 #include "common/sys/Spawn.h"
 #include "framework/NimCfg.h"
+#include "framework/RunLog.h"
 #include "framework/Trace.h"
 
 VtExecInfo::~VtExecInfo()
@@ -249,6 +250,7 @@ void discard(VtExecInfo& info)
 
 VtExecInfo* vtExecProgram(const char* program, const char* args, const char* errorLog)
 {
+    runlog::Timed timed(std::string(program ? program : "") + (args && *args ? std::string(" ") + args : ""));
     VtProcess* process = VtProcess::create(program, args, errorLog);
     const int log = getCcLogHw();
     if (!process) {
@@ -297,6 +299,7 @@ VtExecInfo* vtExecProgram(const char* program, const char* args, const char* err
     } else if (reaped) {
         CcLogWrapper::traceMAX(log, __LINE__, kSource, "vtExecProgram()", "[I] %s exit status %d", program,
                                WEXITSTATUS(status));
+        timed.setStatus(WEXITSTATUS(status));
     }
     delete process;
     return info;

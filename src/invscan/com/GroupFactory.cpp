@@ -92,6 +92,26 @@ void GroupFactory::setHWConfigFile()
 
 void GroupFactory::startScan() {}
 
+bool GroupFactory::isExcluded(unsigned long groupId)
+{
+    try {
+        std::string list = NimCfg::getKey("hwscanner.exclude").narrow();
+        for (size_t start = 0; start <= list.size();) {
+            size_t end = list.find(',', start);
+            if (end == std::string::npos) end = list.size();
+            const String item(utils::trimBoth(list.substr(start, end - start)));
+            long id = 0;
+            if (!item.empty() && (parseWhole(item, 1, 0xFFFF, id) ? static_cast<unsigned long>(id) == groupId
+                                                                 : getGroupIdFromName(item) == groupId))
+                return true;
+            start = end + 1;
+        }
+    } catch (const std::exception&) {
+        // Out of memory: nothing is excluded.
+    }
+    return false;
+}
+
 void GroupFactory::endScan() { runScanEndHooks(); }
 
 KorGroup* GroupFactory::getKORGroup(unsigned long groupId)
@@ -99,6 +119,11 @@ KorGroup* GroupFactory::getKORGroup(unsigned long groupId)
     int hLog = getCcLogHw();
     CcLogWrapper::traceMidEntry(hLog, __LINE__, SOURCE, "getKORGroup()", "hardware Table id = %lu", groupId);
     KorGroup* group = nullptr;
+    if (isExcluded(groupId)) {
+        CcLogWrapper::traceMID(hLog, __LINE__, SOURCE, "getKORGroup()", "hardware group %lu %s", groupId,
+                               "excluded by hwscanner.exclude");
+        return nullptr;
+    }
     try {
         if (GroupCreator create = findGroupClass(groupId)) group = create();
     } catch (const std::exception& e) {

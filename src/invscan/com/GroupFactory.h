@@ -29,9 +29,13 @@ public:
     void startScan();
     void endScan();
 
-    // A new group the caller owns, or null for an id or name with no group.
+    // A new group the caller owns, or null for an id or name with no group
+    // and for a group the configuration keeps off this machine.
     KorGroup* getKORGroup(unsigned long groupId);
     KorGroup* getGroup(const String& groupName);
+    // Whether "hwscanner.exclude" (group names or ids, separated by commas)
+    // names the group: operators keep a slow or risky group off a machine so.
+    static bool isExcluded(unsigned long groupId);
     // Appends the catalogue's group names in table order; returns 0.
     int getAllGroups(std::list<String>& names);
 

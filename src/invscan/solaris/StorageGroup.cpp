@@ -15,6 +15,7 @@
 
 #include "common/sys/System.h"
 #include "common/vartree/vtree.h"
+#include "framework/RunLog.h"
 #include "framework/Trace.h"
 #include "invscan/com/CatalogueIds.h"
 #include "invscan/com/GroupRegistry.h"
@@ -185,11 +186,12 @@ std::string readAll(FILE* stream)
 bool runIostat(std::string& output)
 {
     sys::System& os = sys::current();
+    runlog::Timed timed("iostat -En");
     FILE* stream = os.popen("/usr/bin/iostat -En", "r");
     if (!stream) stream = os.popen("iostat -En", "r");
     if (!stream) return false;
     output = readAll(stream);
-    os.pclose(stream);
+    timed.setStatus(runlog::exitStatus(os.pclose(stream)));
     return true;
 }
 
@@ -199,6 +201,7 @@ void reportByListing(KorTable& table, int& index, const std::string& command, co
 {
     const char* fn = "getTable()";
     sys::System& os = sys::current();
+    runlog::Timed timed(command);
     FILE* stream = os.popen(command.c_str(), "r");
     if (!stream) {
         ST_TRACE(traceMID, fn, "hardware %s", (std::string("unable to execute popen for ") + what).c_str());
@@ -215,7 +218,7 @@ void reportByListing(KorTable& table, int& index, const std::string& command, co
             table.addRow(row);
         }
     }
-    os.pclose(stream);
+    timed.setStatus(runlog::exitStatus(os.pclose(stream)));
 }
 
 // A "Disk" node of the diskscan tree, with its place among them.
@@ -349,6 +352,7 @@ int isUltrium_tape_LT4772_running()
     const char* fn = "isUltrium_tape_LT4772_running()";
     sys::System& os = sys::current();
     ST_TRACE(traceMAX, fn, "hardware %s ", "running ps -ef");
+    runlog::Timed timed("/usr/bin/ps -ef");
     FILE* stream = os.popen("/usr/bin/ps -ef", "r");
     if (!stream) return 0;
     char line[256];
@@ -356,12 +360,12 @@ int isUltrium_tape_LT4772_running()
     while (std::fgets(line, sizeof line, stream)) {
         for (char* name : names) {
             if (!getExactMatch(line, name)) continue;
-            os.pclose(stream);
+            timed.setStatus(runlog::exitStatus(os.pclose(stream)));
             ST_TRACE(traceMAX, fn, "hardware %s", "Ultrium_tape_LT4772 tape robot is running");
             return 1;
         }
     }
-    os.pclose(stream);
+    timed.setStatus(runlog::exitStatus(os.pclose(stream)));
     ST_TRACE(traceMAX, fn, "hardware %s", "closed tape");
     return 0;
 }

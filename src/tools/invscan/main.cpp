@@ -7,6 +7,8 @@
 #include <clocale>
 #include <cstdio>
 #include <cstdlib>
+#include <chrono>
+#include <cmath>
 #include <cstring>
 #include <filesystem>
 #include <list>
@@ -18,6 +20,7 @@
 
 #include "common/vartree/vtexec.h"
 #include "framework/NimCfg.h"
+#include "framework/RunLog.h"
 #include "framework/Trace.h"
 #include "framework/XmlNimParser.h"
 #include "framework/utils.h"
@@ -41,6 +44,9 @@ struct Options {
     std::string traceLevel;
     std::string traceFile;
     std::vector<std::string> groups;
+    std::vector<std::string> excluded;
+    bool timing = false;
+    double deadline = 0;  // seconds; 0: none
 };
 
 struct Wanted {
@@ -202,6 +208,18 @@ int runScan(const Options& options)
         }
     }
 
+    // --exclude adds to the configuration's list, which the factory honours.
+    std::string exclude = NimCfg::getKey("hwscanner.exclude").narrow();
+    for (const std::string& argument : options.excluded) {
+        Wanted one{};
+        if (!resolveGroup(argument, names, one)) {
+            fail("unknown group '" + argument + "' to exclude (see 'invscan list')");
+            return EXIT_USAGE;
+        }
+        exclude += (exclude.empty() ? "" : ",") + std::to_string(one.id);
+    }
+    NimCfg::setKey("hwscanner.exclude", exclude);
+
     // The host's calling order.
     factory->initialise();
     const String hwConfig = options.hwConfig.empty() ? factory->getHWConfigFile() : String(options.hwConfig);
@@ -218,8 +236,40 @@ int runScan(const Options& options)
     // A group whose source failed is no usage error, but a scan in which
     // every group that could run gave nothing has failed.
     int attempted = 0, produced = 0;
+    using Clock = std::chrono::steady_clock;
+    const Clock::time_point started = Clock::now();
+    auto since = [](Clock::time_point from) { return std::chrono::duration<double>(Clock::now() - from).count(); };
+    const int timeout = NimCfg::getTimeout();
+    runlog::take();  // runs before the scan are not its own
+    std::vector<std::pair<std::string, double>> groupTimes;
     for (const Wanted& one : wanted) {
         nlohmann::ordered_json entry{{"id", one.id}, {"name", one.name}};
+        std::string notRun;
+        if (GroupFactory::isExcluded(one.id)) {
+            notRun = "excluded";
+            entry["reason"] = "hwscanner.exclude";
+        } else if (options.deadline > 0 && since(started) >= options.deadline) {
+            notRun = "skipped";
+            ++attempted;  // it could have run: a scan that ran nothing has failed
+            entry["reason"] = "the scan's deadline had passed";
+        }
+        if (!notRun.empty()) {
+            if (json) {
+                entry["status"] = notRun;
+                entry["tables"] = nlohmann::ordered_json::array();
+                results.push_back(std::move(entry));
+            } else {
+                std::printf("%s (group %lu): %s (%s)\n\n", one.name.c_str(), one.id, notRun.c_str(),
+                            notRun == "excluded" ? "hwscanner.exclude" : "the scan's deadline had passed");
+            }
+            continue;
+        }
+        // A group started before the deadline may not run its commands past it.
+        if (options.deadline > 0) {
+            const double left = std::ceil(options.deadline - since(started));
+            NimCfg::setKey("hwscanner.timeout", std::to_string(std::max(1, std::min(timeout, static_cast<int>(left)))));
+        }
+        const Clock::time_point groupStarted = Clock::now();
         KorGroup* group = factory->getGroup(String(one.name));
         if (!group) {
             if (json) {
@@ -267,15 +317,30 @@ int runScan(const Options& options)
         }
         for (KorTable* table : tables) delete table;
         delete group;
+        groupTimes.emplace_back(one.name, since(groupStarted));
         std::fflush(stdout);
     }
     factory->endScan();
+    if (options.deadline > 0) NimCfg::setKey("hwscanner.timeout", std::to_string(timeout));
+    const double total = since(started);
+    const std::vector<runlog::Run> runs = runlog::take();
 
     if (json) {
-        const nlohmann::ordered_json document{
-            {"invscan", {{"version", INVSCAN_VERSION}, {"build", getBuildDateQVRB()}}},
-            {"groups", std::move(results)}};
+        nlohmann::ordered_json document{{"invscan", {{"version", INVSCAN_VERSION}, {"build", getBuildDateQVRB()}}},
+                                        {"groups", std::move(results)}};
+        if (options.timing) {
+            nlohmann::ordered_json groups = nlohmann::ordered_json::array(), ran = nlohmann::ordered_json::array();
+            for (const auto& g : groupTimes) groups.push_back({{"name", g.first}, {"seconds", g.second}});
+            for (const runlog::Run& r : runs) ran.push_back({{"run", r.what}, {"seconds", r.seconds}, {"status", r.status}});
+            document["timing"] = {{"seconds", total}, {"groups", std::move(groups)}, {"runs", std::move(ran)}};
+        }
         std::printf("%s\n", document.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace).c_str());
+    }
+    if (options.timing && !json) {
+        std::printf("Timing (seconds)\n");
+        for (const auto& g : groupTimes) std::printf("  %9.6f  group %s\n", g.second, g.first.c_str());
+        for (const runlog::Run& r : runs) std::printf("  %9.6f  run   %s (status %d)\n", r.seconds, r.what.c_str(), r.status);
+        std::printf("  %9.6f  the whole scan\n", total);
     }
     const bool failed = attempted > 0 && produced == 0;
     return std::fflush(stdout) == 0 && !failed ? 0 : 1;
@@ -331,6 +396,15 @@ int run(int argc, char** argv)
     CLI::App* list = app.add_subcommand("list", "List the id and name of every group");
     CLI::App* scan = app.add_subcommand("scan", "Scan the named groups (every group when none is named)");
     scan->add_option("groups", options.groups, "Group names or ids")->type_name("GROUP|ID");
+    scan->add_option("--exclude", options.excluded, "Leave a group out (repeatable; adds to hwscanner.exclude)")
+        ->type_name("GROUP|ID")
+        ->expected(1)
+        ->allow_extra_args(false)
+        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+    scan->add_flag("--timing", options.timing, "Add the time of each group and of each probe and command run");
+    scan->add_option("--deadline", options.deadline, "Start no group after SECONDS; bound their commands by it")
+        ->type_name("SECONDS")
+        ->check(CLI::PositiveNumber);
     CLI::App* probe = app.add_subcommand("probe", "Run a probe program under NIM_HOMEDIR/bin and print its tree");
     std::string probeName;
     probe->add_option("name", probeName, "Probe name, for example cpuid")->required()->type_name("NAME");
