@@ -37,15 +37,6 @@ std::map<std::string, std::string> settings(const std::string& path)
     return out;
 }
 
-std::string firstLine(const std::string& path)
-{
-    std::ifstream in(path);
-    std::string line;
-    std::getline(in, line);
-    while (!line.empty() && (line.back() == '\r' || line.back() == ' ')) line.pop_back();
-    return line;
-}
-
 // The zone's name: /etc/timezone, else where /etc/localtime points under zoneinfo.
 std::string timeZoneName(const std::string& root)
 {
@@ -185,6 +176,15 @@ std::string mountTable(const std::string& root)
 }
 
 }  // namespace
+
+std::string firstLine(const std::string& path)
+{
+    std::ifstream in(path);
+    std::string line;
+    std::getline(in, line);
+    while (!line.empty() && (line.back() == '\r' || line.back() == ' ')) line.pop_back();
+    return line;
+}
 
 bool answerFile(const std::string& path, const std::string& root, std::string& text)
 {

@@ -24,6 +24,9 @@ bool answerFile(const std::string& path, const std::string& root, std::string& t
 bool answerRun(const std::vector<std::string>& argv, const std::string& root, std::vector<std::string>& lines,
                int& status);
 
+// A file's first line without its line end and trailing blanks; empty when unreadable.
+std::string firstLine(const std::string& path);
+
 // The kernel's boot time (/proc/stat "btime"), or -1.
 long long bootTime(const std::string& root);
 

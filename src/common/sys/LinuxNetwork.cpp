@@ -2,6 +2,8 @@
 
 #include "common/sys/LinuxNetwork.h"
 
+#include "common/sys/LinuxAnswers.h"
+
 #include <arpa/inet.h>
 #include <dirent.h>
 #include <linux/ethtool.h>
@@ -28,16 +30,9 @@
 
 namespace sys {
 namespace linuxnetwork {
-namespace {
+using linuxanswers::firstLine;
 
-std::string firstLine(const std::string& path)
-{
-    std::ifstream in(path);
-    std::string line;
-    std::getline(in, line);
-    while (!line.empty() && (line.back() == '\r' || line.back() == ' ')) line.pop_back();
-    return line;
-}
+namespace {
 
 std::vector<std::string> entries(const std::string& path)
 {
