@@ -1,17 +1,14 @@
 #pragma once
-// Simulated machines kept as data (tests/machines/NAME/): what the machine's
-// system calls answer, what its probes print, its hardware configuration, and
-// the tables a scan of it must give. See tests/machines/README.md.
+// The simulated machines of tests/machines (see its README.md).
 #include <string>
 #include <vector>
 
+#include "common/replay/MachineFile.h"
 #include "support/FakeSystem.h"
 
 namespace testsupport {
 
-// Fills `os` from the machine's "machine.txt"; false with `error` naming the
-// line it could not read.
-bool loadMachine(const std::string& dir, FakeSystem& os, std::string& error);
+using replay::loadMachine;
 
 // The folders under tests/machines, sorted.
 std::vector<std::string> machineNames();

@@ -1,5 +1,5 @@
-// The fake libv12n and libpool that FakeSystem's dlsym hands out: each
-// function answers from the current FakeSystem's v12n and pools data. What
+// The fake libv12n and libpool that SimulatedSystem's dlsym hands out: each
+// function answers from the current SimulatedSystem's v12n and pools data. What
 // they allocate is freed only by the calls the real libraries document, so a
 // caller that forgets one shows up as a leak in a sanitizer build.
 #include <cerrno>
@@ -8,13 +8,13 @@
 #include <string>
 
 #include "invscan/solaris/ZoneLibraries.h"
-#include "support/FakeSystem.h"
+#include "common/replay/SimulatedSystem.h"
 
-namespace testsupport {
+namespace replay {
 
 namespace {
 
-FakeSystem& fake() { return dynamic_cast<FakeSystem&>(sys::current()); }
+SimulatedSystem& fake() { return dynamic_cast<SimulatedSystem&>(sys::current()); }
 
 int g_poolError = 0;
 
@@ -37,9 +37,9 @@ struct FakeConf {
 };
 
 }  // namespace
-}  // namespace testsupport
+}  // namespace replay
 
-using namespace testsupport;
+using namespace replay;
 
 // Whatever the fake library hands out is a pointer to one of these.
 struct v12n_env {
@@ -56,7 +56,7 @@ static v12n_env* fake_v12n_get_current_env()
 
 static char* fake_v12n_get_env_prop(v12n_env*, int prop)
 {
-    const FakeSystem::V12n& v = fake().v12n;
+    const SimulatedSystem::V12n& v = fake().v12n;
     const bool fails = prop == V12N_PROP_NAME ? v.nameFails : prop == V12N_PROP_KZ_ZONENAME ? v.kzFails : true;
     if (fails) {
         errno = ENOENT;
@@ -98,7 +98,7 @@ static pool* fake_pool_get_pool(const pool_conf*, const char* name)
 static pool_resource** fake_pool_query_pool_resources(const pool_conf*, const pool* p, unsigned int* count,
                                                       pool_value**)
 {
-    auto* resources = reinterpret_cast<std::vector<FakeSystem::PoolResource>*>(const_cast<pool*>(p));
+    auto* resources = reinterpret_cast<std::vector<SimulatedSystem::PoolResource>*>(const_cast<pool*>(p));
     if (fake().pools.fails("pool_query_pool_resources") || resources->empty())
         return poolFails<pool_resource**>(nullptr);
     // malloc'd, as the real one: the caller frees it.
@@ -116,7 +116,7 @@ static pool_elem* fake_pool_resource_to_elem(const pool_conf*, const pool_resour
 static pool_value_class fake_pool_get_property(const pool_conf*, const pool_elem* elem, const char* name,
                                                pool_value* value)
 {
-    const auto* r = reinterpret_cast<const FakeSystem::PoolResource*>(elem);
+    const auto* r = reinterpret_cast<const SimulatedSystem::PoolResource*>(elem);
     auto* v = reinterpret_cast<FakeValue*>(value);
     const std::string property = name ? name : "";
     if (fake().pools.fails("pool_get_property")) return poolFails(POC_INVAL);
@@ -157,7 +157,7 @@ static int fake_pool_value_get_uint64(const pool_value* value, uint64_t* out)
 
 }  // extern "C"
 
-namespace testsupport {
+namespace replay {
 
 void* fakeLibraryFunction(const char* symbol)
 {
@@ -183,4 +183,4 @@ void* fakeLibraryFunction(const char* symbol)
     return nullptr;
 }
 
-}  // namespace testsupport
+}  // namespace replay

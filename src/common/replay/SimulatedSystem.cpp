@@ -1,4 +1,4 @@
-#include "support/FakeSystem.h"
+#include "common/replay/SimulatedSystem.h"
 
 #include "common/sys/KstatChain.h"
 
@@ -9,7 +9,7 @@
 #include <cstring>
 #include <sstream>
 
-namespace testsupport {
+namespace replay {
 
 namespace {
 
@@ -38,7 +38,7 @@ long copyOut(const std::string& value, char* buf, long count)
 
 }  // namespace
 
-void FakeSystem::addCpuStat(int instance, uint_t idle, uint_t user, uint_t kernel, uint_t wait)
+void SimulatedSystem::addCpuStat(int instance, uint_t idle, uint_t user, uint_t kernel, uint_t wait)
 {
     Kstat k;
     k.module = "cpu_stat";
@@ -51,7 +51,7 @@ void FakeSystem::addCpuStat(int instance, uint_t idle, uint_t user, uint_t kerne
     kstats.push_back(k);
 }
 
-void FakeSystem::addBootTime(long long seconds)
+void SimulatedSystem::addBootTime(long long seconds)
 {
     Kstat k;
     k.module = "unix";
@@ -67,30 +67,30 @@ void FakeSystem::addBootTime(long long seconds)
     kstats.push_back(k);
 }
 
-void FakeSystem::tzset(sys::TimeZone& zone) { sys::platform().tzset(zone); }
+void SimulatedSystem::tzset(sys::TimeZone& zone) { sys::platform().tzset(zone); }
 
-struct utmpx* FakeSystem::getutxent()
+struct utmpx* SimulatedSystem::getutxent()
 {
     if (m_nextUtmpx >= utmpxRecords.size()) return nullptr;
     m_utmpx = utmpxRecords[m_nextUtmpx++];
     return &m_utmpx;
 }
 
-long FakeSystem::sysinfo(int command, char* buf, long count)
+long SimulatedSystem::sysinfo(int command, char* buf, long count)
 {
     auto it = sysinfoValues.find(command);
     if (it == sysinfoValues.end()) return failWith(EINVAL, -1);
     return copyOut(it->second, buf, count);
 }
 
-long FakeSystem::sysconf(int name)
+long SimulatedSystem::sysconf(int name)
 {
     auto it = sysconfValues.find(name);
     if (it == sysconfValues.end()) return failWith(EINVAL, -1);
     return it->second;
 }
 
-int FakeSystem::swapctl(int cmd, void* arg)
+int SimulatedSystem::swapctl(int cmd, void* arg)
 {
     switch (cmd) {
     case SC_GETNSWP:
@@ -119,7 +119,7 @@ int FakeSystem::swapctl(int cmd, void* arg)
     }
 }
 
-kstat_ctl_t* FakeSystem::kstat_open()
+kstat_ctl_t* SimulatedSystem::kstat_open()
 {
     if (kstatOpenFails) return failWith(EACCES, nullptr);
     auto* chain = new FakeChain{};
@@ -140,7 +140,7 @@ kstat_ctl_t* FakeSystem::kstat_open()
     return &chain->ctl;
 }
 
-int FakeSystem::kstat_close(kstat_ctl_t* kc)
+int SimulatedSystem::kstat_close(kstat_ctl_t* kc)
 {
     if (!kc) return -1;
     delete reinterpret_cast<FakeChain*>(kc);
@@ -148,12 +148,12 @@ int FakeSystem::kstat_close(kstat_ctl_t* kc)
     return 0;
 }
 
-kstat_t* FakeSystem::kstat_lookup(kstat_ctl_t* kc, char* module, int instance, char* name)
+kstat_t* SimulatedSystem::kstat_lookup(kstat_ctl_t* kc, char* module, int instance, char* name)
 {
     return sys::lookupInChain(kc, module, instance, name);
 }
 
-kid_t FakeSystem::kstat_read(kstat_ctl_t* kc, kstat_t* ksp, void* buf)
+kid_t SimulatedSystem::kstat_read(kstat_ctl_t* kc, kstat_t* ksp, void* buf)
 {
     if (!kc || !ksp) return failWith(EINVAL, -1);
     const Kstat& k = kstats.at(static_cast<size_t>(ksp->ks_kid));
@@ -170,14 +170,14 @@ kid_t FakeSystem::kstat_read(kstat_ctl_t* kc, kstat_t* ksp, void* buf)
     return kc->kc_chain_id;
 }
 
-int FakeSystem::getloadavg(double* values, int nelem)
+int SimulatedSystem::getloadavg(double* values, int nelem)
 {
     if (loadavgFails) return -1;
     for (int i = 0; i < nelem && i < 3; ++i) values[i] = loadavg[i];
     return nelem < 3 ? nelem : 3;
 }
 
-int FakeSystem::pset_info(psetid_t, int* type, uint_t* numcpus, processorid_t* cpulist)
+int SimulatedSystem::pset_info(psetid_t, int* type, uint_t* numcpus, processorid_t* cpulist)
 {
     if (psetFailsOnCall == (cpulist ? 2 : 1)) return failWith(EINVAL, -1);
     const uint_t room = numcpus ? *numcpus : 0;
@@ -187,7 +187,7 @@ int FakeSystem::pset_info(psetid_t, int* type, uint_t* numcpus, processorid_t* c
     return 0;
 }
 
-int FakeSystem::p_online(processorid_t cpu, int)
+int SimulatedSystem::p_online(processorid_t cpu, int)
 {
     auto it = processorStates.find(cpu);
     if (it == processorStates.end() || it->second == -1) return failWith(EINVAL, -1);
@@ -201,7 +201,7 @@ struct FakeDir : sys::Dir {
 };
 }  // namespace
 
-sys::Dir* FakeSystem::opendir(const char* path)
+sys::Dir* SimulatedSystem::opendir(const char* path)
 {
     auto it = directories.find(path ? path : "");
     if (it == directories.end()) return failWith(ENOENT, nullptr);
@@ -211,13 +211,13 @@ sys::Dir* FakeSystem::opendir(const char* path)
     return dir;
 }
 
-const char* FakeSystem::readdir(sys::Dir* dir)
+const char* SimulatedSystem::readdir(sys::Dir* dir)
 {
     auto* d = static_cast<FakeDir*>(dir);
     return d && d->next < d->entries.size() ? d->entries[d->next++].c_str() : nullptr;
 }
 
-int FakeSystem::closedir(sys::Dir* dir)
+int SimulatedSystem::closedir(sys::Dir* dir)
 {
     if (!dir) return failWith(EBADF, -1);
     delete dir;
@@ -225,7 +225,7 @@ int FakeSystem::closedir(sys::Dir* dir)
     return 0;
 }
 
-int FakeSystem::open(const char* path, int)
+int SimulatedSystem::open(const char* path, int)
 {
     if (path && files.count(path)) {
         const int fd = m_nextFd++;
@@ -240,13 +240,13 @@ int FakeSystem::open(const char* path, int)
     return fd;
 }
 
-int FakeSystem::close(int fd)
+int SimulatedSystem::close(int fd)
 {
     if (m_open.erase(fd) == 0) return failWith(EBADF, -1);
     return 0;
 }
 
-int FakeSystem::ioctl(int fd, int request, void* arg)
+int SimulatedSystem::ioctl(int fd, int request, void* arg)
 {
     auto it = m_open.find(fd);
     if (it == m_open.end()) return failWith(EBADF, -1);
@@ -255,7 +255,7 @@ int FakeSystem::ioctl(int fd, int request, void* arg)
     return device.ioctl(request, arg);
 }
 
-void FakeSystem::copyMemory(const Device& device, long long from, char* out, size_t length) const
+void SimulatedSystem::copyMemory(const Device& device, long long from, char* out, size_t length) const
 {
     std::memset(out, 0, length);
     for (const auto& run : device.memory) {
@@ -268,7 +268,7 @@ void FakeSystem::copyMemory(const Device& device, long long from, char* out, siz
     }
 }
 
-ssize_t FakeSystem::read(int fd, void* buf, size_t count)
+ssize_t SimulatedSystem::read(int fd, void* buf, size_t count)
 {
     auto it = m_open.find(fd);
     if (it == m_open.end()) return failWith(EBADF, -1);
@@ -285,7 +285,7 @@ ssize_t FakeSystem::read(int fd, void* buf, size_t count)
     return static_cast<ssize_t>(count);
 }
 
-long long FakeSystem::lseek(int fd, long long offset, int whence)
+long long SimulatedSystem::lseek(int fd, long long offset, int whence)
 {
     auto it = m_open.find(fd);
     if (it == m_open.end() || whence != SEEK_SET) return failWith(EINVAL, -1LL);
@@ -293,7 +293,7 @@ long long FakeSystem::lseek(int fd, long long offset, int whence)
 }
 
 // A private copy: a caller writing into the mapping would be caught by ASan.
-void* FakeSystem::mmap(size_t length, int fd, long long offset)
+void* SimulatedSystem::mmap(size_t length, int fd, long long offset)
 {
     auto it = m_open.find(fd);
     if (it == m_open.end()) return failWith(EBADF, MAP_FAILED);
@@ -304,12 +304,12 @@ void* FakeSystem::mmap(size_t length, int fd, long long offset)
     return copy;
 }
 
-int FakeSystem::munmap(void* addr, size_t)
+int SimulatedSystem::munmap(void* addr, size_t)
 {
     delete[] static_cast<char*>(addr);
     return 0;
 }
-int FakeSystem::statvfs64(const char* path, struct statvfs64* buf)
+int SimulatedSystem::statvfs64(const char* path, struct statvfs64* buf)
 {
     auto it = fileSystems.find(path ? path : "");
     if (it == fileSystems.end() || !buf) return failWith(ENOENT, -1);
@@ -317,18 +317,18 @@ int FakeSystem::statvfs64(const char* path, struct statvfs64* buf)
     return 0;
 }
 
-FakeSystem::~FakeSystem()
+SimulatedSystem::~SimulatedSystem()
 {
     for (auto& stream : m_streams) std::fclose(stream.first);
 }
 
-bool FakeSystem::Pools::fails(const char* function) const
+bool SimulatedSystem::Pools::fails(const char* function) const
 {
     return std::find(failing.begin(), failing.end(), function) != failing.end();
 }
 
 // A handle is the address of the library's entry.
-void* FakeSystem::dlopen(const char* path, int)
+void* SimulatedSystem::dlopen(const char* path, int)
 {
     auto it = libraries.find(path ? path : "");
     if (it == libraries.end()) return nullptr;
@@ -336,7 +336,7 @@ void* FakeSystem::dlopen(const char* path, int)
     return &it->second;
 }
 
-void* FakeSystem::dlsym(void* handle, const char* symbol)
+void* SimulatedSystem::dlsym(void* handle, const char* symbol)
 {
     const auto* library = static_cast<const Library*>(handle);
     if (!library || !symbol ||
@@ -345,14 +345,14 @@ void* FakeSystem::dlsym(void* handle, const char* symbol)
     return fakeLibraryFunction(symbol);
 }
 
-int FakeSystem::dlclose(void* handle)
+int SimulatedSystem::dlclose(void* handle)
 {
     if (!handle) return -1;
     --m_openLibraries;
     return 0;
 }
 
-FILE* FakeSystem::popen(const char* command, const char* mode)
+FILE* SimulatedSystem::popen(const char* command, const char* mode)
 {
     auto it = shells.find(command ? command : "");
     if (it == shells.end() || it->second.fails || !mode || mode[0] != 'r') return failWith(ENOENT, nullptr);
@@ -365,7 +365,7 @@ FILE* FakeSystem::popen(const char* command, const char* mode)
     return f;
 }
 
-int FakeSystem::pclose(FILE* stream)
+int SimulatedSystem::pclose(FILE* stream)
 {
     auto it = m_streams.find(stream);
     if (it == m_streams.end()) return failWith(ECHILD, -1);
@@ -375,7 +375,7 @@ int FakeSystem::pclose(FILE* stream)
     return status << 8;  // as wait(2) encodes an exit status
 }
 
-int FakeSystem::runCommand(const std::vector<std::string>& argv, int timeoutSeconds, std::vector<std::string>& lines)
+int SimulatedSystem::runCommand(const std::vector<std::string>& argv, int timeoutSeconds, std::vector<std::string>& lines)
 {
     lines.clear();
     lastTimeout = timeoutSeconds;
@@ -390,4 +390,4 @@ int FakeSystem::runCommand(const std::vector<std::string>& argv, int timeoutSeco
     return it->second.status;
 }
 
-}  // namespace testsupport
+}  // namespace replay

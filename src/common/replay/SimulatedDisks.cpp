@@ -1,9 +1,9 @@
-#include "support/Disks.h"
+#include "common/replay/SimulatedDisks.h"
 
 #include <algorithm>
 #include <cstring>
 
-namespace testsupport {
+namespace replay {
 
 std::string bigEndian(unsigned long long value, int n)
 {
@@ -37,7 +37,7 @@ std::string rigidGeometryPage(unsigned cylinders, unsigned heads)
     return std::string("\x04\x16", 2) + bigEndian(cylinders, 3) + bigEndian(heads, 1) + std::string(18, '\0');
 }
 
-void installDisk(FakeSystem& os, const std::string& path, const FakeDisk& disk)
+void installDisk(SimulatedSystem& os, const std::string& path, const SimulatedDisk& disk)
 {
     os.devices[path].ioctl = [disk](int request, void* arg) {
         auto fails = [&disk](const char* name) { return disk.failing.find(name) != std::string::npos; };
@@ -71,4 +71,4 @@ void installDisk(FakeSystem& os, const std::string& path, const FakeDisk& disk)
     };
 }
 
-}  // namespace testsupport
+}  // namespace replay

@@ -1,0 +1,364 @@
+#include "common/replay/MachineFile.h"
+#include "common/replay/SimulatedDisks.h"
+#include "common/replay/SimulatedFirmware.h"
+
+#include <dirent.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <fstream>
+#include <map>
+#include <sstream>
+
+namespace replay {
+
+namespace {
+const std::map<std::string, int> kSysconfNames = {
+    {"PAGESIZE", _SC_PAGESIZE},
+    {"PHYS_PAGES", _SC_PHYS_PAGES},
+    {"AVPHYS_PAGES", _SC_AVPHYS_PAGES},
+    {"NPROCESSORS_CONF", _SC_NPROCESSORS_CONF},
+    {"NPROCESSORS_ONLN", _SC_NPROCESSORS_ONLN},
+};
+const std::map<std::string, int> kSysinfoNames = {
+    {"SYSNAME", SI_SYSNAME},         {"HOSTNAME", SI_HOSTNAME}, {"RELEASE", SI_RELEASE},
+    {"VERSION", SI_VERSION},         {"MACHINE", SI_MACHINE},   {"ARCHITECTURE", SI_ARCHITECTURE},
+    {"HW_SERIAL", SI_HW_SERIAL},     {"HW_PROVIDER", SI_HW_PROVIDER},
+    {"PLATFORM", SI_PLATFORM},       {"ISALIST", SI_ISALIST},
+};
+
+const std::map<std::string, int> kErrnoNames = {
+    {"EOVERFLOW", EOVERFLOW}, {"ENOSYS", ENOSYS}, {"EFAULT", EFAULT}, {"ENOMEM", ENOMEM},
+    {"EIO", EIO},           {"ENXIO", ENXIO},   {"EACCES", EACCES}, {"EPERM", EPERM}};
+
+// The command the output lines (">") and "exit" that follow belong to, and
+// the text those lines go to (a command's output or a file's contents).
+SimulatedSystem::Command* g_current = nullptr;
+std::string* g_text = nullptr;
+std::vector<std::pair<std::string, std::string>> g_promProperties;
+std::map<std::string, SimulatedDisk> g_disks;
+
+// "key=value" words; a value in double quotes may hold blanks.
+std::map<std::string, std::string> keyValues(std::istream& in)
+{
+    std::map<std::string, std::string> out;
+    std::string rest, word;
+    std::getline(in, rest);
+    for (size_t i = 0; i < rest.size();) {
+        if (rest[i] == ' ') {
+            ++i;
+            continue;
+        }
+        const size_t equals = rest.find('=', i);
+        if (equals == std::string::npos) break;
+        const std::string key = rest.substr(i, equals - i);
+        size_t end;
+        if (equals + 1 < rest.size() && rest[equals + 1] == '"') {
+            end = rest.find('"', equals + 2);
+            out[key] = rest.substr(equals + 2, end - equals - 2);
+            i = end == std::string::npos ? rest.size() : end + 1;
+        } else {
+            end = rest.find(' ', equals);
+            out[key] = rest.substr(equals + 1, end == std::string::npos ? std::string::npos : end - equals - 1);
+            i = end == std::string::npos ? rest.size() : end;
+        }
+    }
+    return out;
+}
+
+std::vector<std::string> fields(const std::string& text, char separator)
+{
+    std::vector<std::string> out;
+    std::istringstream split(text);
+    for (std::string f; std::getline(split, f, separator);) out.push_back(f);
+    return out;
+}
+
+unsigned long number(const std::vector<std::string>& f, size_t i)
+{
+    return i < f.size() ? std::stoul(f[i], nullptr, 0) : 0;
+}
+
+// "disk NAME key=value...": what one physical disk answers (see README.md).
+bool readDisk(const std::string& name, std::istream& in)
+{
+    SimulatedDisk d;
+    for (const auto& kv : keyValues(in)) {
+        const std::vector<std::string> f = fields(kv.second, kv.first == "inquiry" ? '|' : ',');
+        if (kv.first == "ctl") {
+            std::snprintf(d.controller.dki_cname, DK_DEVLEN, "%s", f.empty() ? "" : f[0].c_str());
+            std::snprintf(d.controller.dki_dname, DK_DEVLEN, "%s", "sd");
+            d.controller.dki_ctype = static_cast<ushort_t>(number(f, 1));
+            d.controller.dki_cnum = static_cast<ushort_t>(number(f, 2));
+            d.controller.dki_unit = static_cast<uint_t>(number(f, 3));
+        } else if (kv.first == "geom") {
+            d.geometry.dkg_ncyl = static_cast<unsigned short>(number(f, 0));
+            d.geometry.dkg_nhead = static_cast<unsigned short>(number(f, 1));
+            d.geometry.dkg_nsect = static_cast<unsigned short>(number(f, 2));
+        } else if (kv.first == "sectorsz") {
+            d.label.v_sectorsz = static_cast<ushort_t>(number(f, 0));
+        } else if (kv.first == "tags") {
+            d.label.v_nparts = static_cast<ushort_t>(f.size());
+            for (size_t i = 0; i < f.size() && i < V_NUMPAR; ++i) d.label.v_part[i].p_tag = static_cast<ushort_t>(number(f, i));
+        } else if (kv.first == "sizes") {
+            for (size_t i = 0; i < f.size() && i < V_NUMPAR; ++i) d.label.v_part[i].p_size = static_cast<int32_t>(number(f, i));
+        } else if (kv.first == "label") {
+            std::snprintf(d.label.v_asciilabel, LEN_DKL_ASCII, "%s", kv.second.c_str());
+        } else if (kv.first == "inquiry") {
+            if (f.size() != 5) return false;
+            d.inquiry = scsiInquiry(static_cast<unsigned char>(number(f, 0)), f[1], f[2], f[3], f[4]);
+        } else if (kv.first == "capacity") {
+            d.capacity = bigEndian(number(f, 0), 4) + bigEndian(number(f, 1), 4);
+        } else if (kv.first == "format") {
+            d.formatPage = modeSense(formatPage(static_cast<unsigned>(number(f, 0)), static_cast<unsigned>(number(f, 1))));
+        } else if (kv.first == "geometry") {
+            d.geometryPage = modeSense(rigidGeometryPage(static_cast<unsigned>(number(f, 0)), static_cast<unsigned>(number(f, 1))));
+        } else if (kv.first == "fails") {
+            d.failing = kv.second;
+        } else {
+            return false;
+        }
+    }
+    g_disks[name] = d;
+    return true;
+}
+
+// "rdsk ENTRY [DISK | open-fails ERRNO]": the next raw-disk directory entry.
+bool readRawDiskEntry(std::istream& in, SimulatedSystem& os)
+{
+    std::string entry, what, error;
+    if (!(in >> entry)) return false;
+    os.directories["/dev/rdsk"].push_back(entry);
+    const std::string path = "/dev/rdsk/" + entry;
+    if (!(in >> what)) return (os.devices[path].openErrno = ENXIO), true;  // nothing answers there
+    if (what == "open-fails") {
+        if (!(in >> error) || !kErrnoNames.count(error)) return false;
+        os.devices[path].openErrno = kErrnoNames.at(error);
+        return true;
+    }
+    if (!g_disks.count(what)) return false;
+    installDisk(os, path, g_disks.at(what));
+    return true;
+}
+
+bool readLine(const std::string& text, SimulatedSystem& os)
+{
+    std::istringstream in(text);
+    std::string facility, name;
+    in >> facility;
+    if (facility == ">" || text == ">") {
+        if (!g_text) return false;
+        *g_text += (text.size() > 2 ? text.substr(2) : std::string()) + "\n";
+        return true;
+    }
+    if (facility == "shell" || facility == "run") {
+        std::string command;
+        std::getline(in >> std::ws, command);
+        g_current = &(facility == "shell" ? os.shells : os.commands)[command];
+        g_text = &g_current->output;
+        return !command.empty();
+    }
+    if (facility == "exit") return g_current && static_cast<bool>(in >> g_current->status);
+    if (facility == "start-fails") return g_current && (g_current->fails = true);
+    g_current = nullptr;
+    g_text = nullptr;
+    if (facility == "file") {
+        if (!(in >> name)) return false;
+        g_text = &os.files[name];
+        return true;
+    }
+    if (facility == "time") return static_cast<bool>(in >> os.now);
+    if (facility == "statvfs") {
+        // "statvfs MOUNTPOINT FRSIZE BLOCKS FREE AVAIL": what statvfs64 says of it.
+        struct statvfs64 fs{};
+        unsigned long long frsize, blocks, bfree, bavail;
+        if (!(in >> name >> frsize >> blocks >> bfree >> bavail)) return false;
+        fs.f_bsize = fs.f_frsize = static_cast<unsigned long>(frsize);
+        fs.f_blocks = blocks;
+        fs.f_bfree = bfree;
+        fs.f_bavail = bavail;
+        os.fileSystems[name] = fs;
+        return true;
+    }
+    if (facility == "boot-time") {
+        long long seconds;
+        if (!(in >> seconds)) return false;
+        os.addBootTime(seconds);
+        return true;
+    }
+    if (facility == "utmpx") {
+        // "utmpx boot SECONDS" or "utmpx run-level C SECONDS", as init writes them.
+        struct utmpx record{};
+        std::string kind, level;
+        long seconds;
+        if (!(in >> kind)) return false;
+        if (kind == "boot") {
+            record.ut_type = BOOT_TIME;
+            std::snprintf(record.ut_line, sizeof record.ut_line, "%s", "system boot");
+        } else if (kind == "run-level" && in >> level) {
+            record.ut_type = RUN_LVL;
+            std::snprintf(record.ut_line, sizeof record.ut_line, "run-level %s", level.c_str());
+        } else {
+            return false;
+        }
+        if (!(in >> seconds)) return false;
+        record.ut_tv.tv_sec = static_cast<decltype(record.ut_tv.tv_sec)>(seconds);
+        os.utmpxRecords.push_back(record);
+        return true;
+    }
+    if (facility == "env") {
+        // Set in the scan's own process: each machine is scanned in a child.
+        std::string value;
+        std::getline(in >> name >> std::ws, value);
+        return setenv(name.c_str(), value.c_str(), 1) == 0;
+    } else if (facility == "disk") {
+        return in >> name && readDisk(name, in);
+    } else if (facility == "rdsk") {
+        return readRawDiskEntry(in, os);
+    } else if (facility == "pid") {
+        return static_cast<bool>(in >> os.pid);
+    } else if (facility == "pset") {
+        for (processorid_t cpu; in >> cpu;) os.psetCpus.push_back(cpu);
+    } else if (facility == "pset-fails") {
+        return static_cast<bool>(in >> os.psetFailsOnCall);
+    } else if (facility == "library") {
+        std::string path, word;
+        if (!(in >> path)) return false;
+        SimulatedSystem::Library& library = os.libraries[path];
+        if (in >> word && word != "missing") return false;
+        for (std::string symbol; in >> symbol;) library.missing.push_back(symbol);
+    } else if (facility == "v12n") {
+        // "v12n name TEXT", "v12n kz-zonename TEXT", or one of its faults.
+        std::string what, value;
+        std::getline(in >> what >> std::ws, value);
+        SimulatedSystem::V12n& v = os.v12n;
+        const std::map<std::string, bool*> faults = {
+            {"env-fails", &v.envFails}, {"name-fails", &v.nameFails}, {"kz-fails", &v.kzFails}};
+        if (what == "name" || what == "kz-zonename")
+            (what == "name" ? v.name : v.kzZoneName) = value;
+        else if (faults.count(what))
+            *faults.at(what) = true;
+        else
+            return false;
+    } else if (facility == "smbios-system") {
+        // Manufacturer|Product|Version|Serial: a firmware table with that type 1.
+        std::string fields;
+        std::getline(in >> std::ws, fields);
+        std::vector<std::string> values;
+        std::istringstream split(fields);
+        for (std::string value; std::getline(split, value, '|');) values.push_back(value);
+        const std::string table = smbiosSystem(values) + smbiosStructure(127, std::string(4, '\0'), {});
+        installFirmware(os, smbiosEntryPoint(static_cast<uint16_t>(table.size()), 0xE1000, 2), table, 0xE1000);
+    } else if (facility == "prom-property") {
+        std::string value;
+        std::getline(in >> name >> std::ws, value);
+        g_promProperties.emplace_back(name, value);
+        installProm(os, g_promProperties);
+    } else if (facility == "pool-fails") {
+        std::string function;
+        if (!(in >> function)) return false;
+        os.pools.failing.push_back(function);
+    } else if (facility == "pool") {
+        SimulatedSystem::PoolResource r;
+        if (!(in >> name >> r.type >> r.name >> r.size)) return false;
+        os.pools.byName[name].push_back(r);
+    } else if (facility == "sysconf") {
+        long value;
+        if (!(in >> name >> value) || !kSysconfNames.count(name)) return false;
+        os.sysconfValues[kSysconfNames.at(name)] = value;
+    } else if (facility == "sysinfo") {
+        if (!(in >> name) || !kSysinfoNames.count(name)) return false;
+        std::string value;
+        std::getline(in >> std::ws, value);
+        os.sysinfoValues[kSysinfoNames.at(name)] = value;
+    } else if (facility == "hostid") {
+        // Written unsigned; a 32-bit long holds the high ones as negatives, as Solaris does.
+        unsigned long value;
+        if (!(in >> value)) return false;
+        os.hostid = static_cast<long>(value);
+    } else if (facility == "swap-count") {
+        return static_cast<bool>(in >> os.swapCount);
+    } else if (facility == "swap-list") {
+        // What SC_LIST returns instead of the devices, and the errno with -1.
+        std::string error;
+        if (!(in >> os.swapListResult)) return false;
+        if (in >> error) {
+            if (!kErrnoNames.count(error)) return false;
+            os.swapListErrno = kErrnoNames.at(error);
+        }
+    } else if (facility == "swap") {
+        SimulatedSystem::SwapDevice d;
+        if (!(in >> d.path >> d.pages >> d.freePages)) return false;
+        os.swapDevices.push_back(d);
+    } else if (facility == "anoninfo") {
+        unsigned long max, free, resv;
+        if (!(in >> max >> free >> resv)) return false;
+        os.ainfo = {max, free, resv};
+    } else if (facility == "anoninfo-fails") {
+        os.ainfoFails = true;
+    } else if (facility == "kstat-fails") {
+        os.kstatOpenFails = true;
+    } else if (facility == "cpu_stat") {
+        int instance;
+        uint_t idle, user, kernel, wait;
+        if (!(in >> instance >> idle >> user >> kernel >> wait)) return false;
+        os.addCpuStat(instance, idle, user, kernel, wait);
+        // Quirks of the record: "size N", "named", "unreadable".
+        for (std::string quirk; in >> quirk;) {
+            SimulatedSystem::Kstat& k = os.kstats.back();
+            if (quirk == "size" && in >> k.dataSize) continue;
+            if (quirk == "named")
+                k.type = KSTAT_TYPE_NAMED;
+            else if (quirk == "unreadable")
+                k.readFails = true;
+            else
+                return false;
+        }
+    } else if (facility == "loadavg") {
+        return static_cast<bool>(in >> os.loadavg[0] >> os.loadavg[1] >> os.loadavg[2]);
+    } else if (facility == "loadavg-fails") {
+        os.loadavgFails = true;
+    } else if (facility == "online") {
+        processorid_t cpu;
+        std::string state;
+        if (!(in >> cpu >> state)) return false;
+        const std::map<std::string, int> states = {
+            {"on", P_ONLINE}, {"off", P_OFFLINE}, {"noint", P_NOINTR}, {"faulted", P_FAULTED}, {"fails", -1}};
+        if (!states.count(state)) return false;
+        os.processorStates[cpu] = states.at(state);
+    } else {
+        return false;
+    }
+    return true;
+}
+}  // namespace
+
+bool loadMachine(const std::string& dir, SimulatedSystem& os, std::string& error)
+{
+    std::ifstream in(dir + "/machine.txt");
+    if (!in) {
+        error = dir + "/machine.txt cannot be read";
+        return false;
+    }
+    std::string line;
+    g_current = nullptr;
+    g_text = nullptr;
+    g_promProperties.clear();
+    g_disks.clear();
+    for (int number = 1; std::getline(in, line); ++number) {
+        if (line.rfind(">", 0) == 0) {  // command output keeps its blanks and '#'
+            if (!readLine(line, os)) return (error = "machine.txt line " + std::to_string(number) + ": " + line), false;
+            continue;
+        }
+        const auto first = line.find_first_not_of(" \t");
+        if (first == std::string::npos || line[first] == '#') continue;
+        if (!readLine(line, os)) {
+            error = "machine.txt line " + std::to_string(number) + ": " + line;
+            return false;
+        }
+    }
+    return true;
+}
+
+}  // namespace replay
