@@ -2,10 +2,14 @@
 #include "common/replay/SimulatedDisks.h"
 #include "common/replay/SimulatedFirmware.h"
 
-#include <dirent.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <cctype>
+#include <cstdlib>
+#include <cstring>
+#include <iterator>
 #include <cerrno>
 #include <fstream>
 #include <map>
@@ -13,29 +17,91 @@
 
 namespace replay {
 
+const std::map<std::string, int>& sysconfNames()
+{
+    static const std::map<std::string, int> names = {
+        {"PAGESIZE", _SC_PAGESIZE},
+        {"PHYS_PAGES", _SC_PHYS_PAGES},
+        {"AVPHYS_PAGES", _SC_AVPHYS_PAGES},
+        {"NPROCESSORS_CONF", _SC_NPROCESSORS_CONF},
+        {"NPROCESSORS_ONLN", _SC_NPROCESSORS_ONLN},
+    };
+    return names;
+}
+
+const std::map<std::string, int>& sysinfoNames()
+{
+    static const std::map<std::string, int> names = {
+        {"SYSNAME", SI_SYSNAME},         {"HOSTNAME", SI_HOSTNAME}, {"RELEASE", SI_RELEASE},
+        {"VERSION", SI_VERSION},         {"MACHINE", SI_MACHINE},   {"ARCHITECTURE", SI_ARCHITECTURE},
+        {"HW_SERIAL", SI_HW_SERIAL},     {"HW_PROVIDER", SI_HW_PROVIDER},
+        {"PLATFORM", SI_PLATFORM},       {"ISALIST", SI_ISALIST},
+    };
+    return names;
+}
+
+std::string nameOf(const std::map<std::string, int>& names, int value)
+{
+    for (const auto& n : names)
+        if (n.second == value) return n.first;
+    return std::to_string(value);
+}
+
 namespace {
-const std::map<std::string, int> kSysconfNames = {
-    {"PAGESIZE", _SC_PAGESIZE},
-    {"PHYS_PAGES", _SC_PHYS_PAGES},
-    {"AVPHYS_PAGES", _SC_AVPHYS_PAGES},
-    {"NPROCESSORS_CONF", _SC_NPROCESSORS_CONF},
-    {"NPROCESSORS_ONLN", _SC_NPROCESSORS_ONLN},
-};
-const std::map<std::string, int> kSysinfoNames = {
-    {"SYSNAME", SI_SYSNAME},         {"HOSTNAME", SI_HOSTNAME}, {"RELEASE", SI_RELEASE},
-    {"VERSION", SI_VERSION},         {"MACHINE", SI_MACHINE},   {"ARCHITECTURE", SI_ARCHITECTURE},
-    {"HW_SERIAL", SI_HW_SERIAL},     {"HW_PROVIDER", SI_HW_PROVIDER},
-    {"PLATFORM", SI_PLATFORM},       {"ISALIST", SI_ISALIST},
-};
-
+// errno values by the names the files use; any other is written as its number.
 const std::map<std::string, int> kErrnoNames = {
-    {"EOVERFLOW", EOVERFLOW}, {"ENOSYS", ENOSYS}, {"EFAULT", EFAULT}, {"ENOMEM", ENOMEM},
-    {"EIO", EIO},           {"ENXIO", ENXIO},   {"EACCES", EACCES}, {"EPERM", EPERM}};
+    {"EPERM", EPERM},   {"ENOENT", ENOENT}, {"EIO", EIO},         {"ENXIO", ENXIO},     {"EBADF", EBADF},
+    {"ENOMEM", ENOMEM}, {"EACCES", EACCES}, {"EFAULT", EFAULT},   {"EBUSY", EBUSY},     {"ENODEV", ENODEV},
+    {"EINVAL", EINVAL}, {"ENOTTY", ENOTTY}, {"ENOSYS", ENOSYS},   {"EOVERFLOW", EOVERFLOW},
+    {"ENOTSUP", ENOTSUP}, {"ETIMEDOUT", ETIMEDOUT}, {"ECHILD", ECHILD}, {"EAGAIN", EAGAIN}};
 
+int errnoNumber(const std::string& name)
+{
+    auto it = kErrnoNames.find(name);
+    if (it != kErrnoNames.end()) return it->second;
+    char* end = nullptr;
+    const long n = std::strtol(name.c_str(), &end, 10);
+    return !name.empty() && *end == '\0' && n > 0 ? static_cast<int>(n) : -1;
+}
+}  // namespace
+
+std::string errnoName(int error) { return nameOf(kErrnoNames, error); }
+
+std::string toHex(const std::string& bytes)
+{
+    static const char digits[] = "0123456789abcdef";
+    std::string out;
+    out.reserve(bytes.size() * 2);
+    for (unsigned char c : bytes) {
+        out.push_back(digits[c >> 4]);
+        out.push_back(digits[c & 0x0F]);
+    }
+    return out;
+}
+
+bool fromHex(const std::string& text, std::string& bytes)
+{
+    bytes.clear();
+    if (text.size() % 2) return false;
+    for (size_t i = 0; i < text.size(); i += 2) {
+        int value = 0;
+        for (size_t j = i; j < i + 2; ++j) {
+            const char c = static_cast<char>(std::tolower(static_cast<unsigned char>(text[j])));
+            if (!std::isxdigit(static_cast<unsigned char>(c))) return false;
+            value = value * 16 + (std::isdigit(static_cast<unsigned char>(c)) ? c - '0' : c - 'a' + 10);
+        }
+        bytes.push_back(static_cast<char>(value));
+    }
+    return true;
+}
+
+namespace {
 // The command the output lines (">") and "exit" that follow belong to, and
 // the text those lines go to (a command's output or a file's contents).
 SimulatedSystem::Command* g_current = nullptr;
 std::string* g_text = nullptr;
+std::vector<std::string>* g_entries = nullptr;  // after "dir": its entries
+int g_snapshot = 0;                              // after "kstat-snapshot": its number
 std::vector<std::pair<std::string, std::string>> g_promProperties;
 std::map<std::string, SimulatedDisk> g_disks;
 
@@ -88,7 +154,7 @@ bool readDisk(const std::string& name, std::istream& in)
         const std::vector<std::string> f = fields(kv.second, kv.first == "inquiry" ? '|' : ',');
         if (kv.first == "ctl") {
             std::snprintf(d.controller.dki_cname, DK_DEVLEN, "%s", f.empty() ? "" : f[0].c_str());
-            std::snprintf(d.controller.dki_dname, DK_DEVLEN, "%s", "sd");
+            std::snprintf(d.controller.dki_dname, DK_DEVLEN, "%s", f.size() > 4 ? f[4].c_str() : "sd");
             d.controller.dki_ctype = static_cast<ushort_t>(number(f, 1));
             d.controller.dki_cnum = static_cast<ushort_t>(number(f, 2));
             d.controller.dki_unit = static_cast<uint_t>(number(f, 3));
@@ -124,21 +190,37 @@ bool readDisk(const std::string& name, std::istream& in)
     return true;
 }
 
-// "rdsk ENTRY [DISK | open-fails ERRNO]": the next raw-disk directory entry.
-bool readRawDiskEntry(std::istream& in, SimulatedSystem& os)
+// "PATH [DISK | open-fails ERRNO]": what a device path answers as.
+bool readDevice(const std::string& path, std::istream& in, SimulatedSystem& os)
 {
-    std::string entry, what, error;
-    if (!(in >> entry)) return false;
-    os.directories["/dev/rdsk"].push_back(entry);
-    const std::string path = "/dev/rdsk/" + entry;
+    std::string what, error;
     if (!(in >> what)) return (os.devices[path].openErrno = ENXIO), true;  // nothing answers there
     if (what == "open-fails") {
-        if (!(in >> error) || !kErrnoNames.count(error)) return false;
-        os.devices[path].openErrno = kErrnoNames.at(error);
+        if (!(in >> error) || errnoNumber(error) < 0) return false;
+        os.devices[path].openErrno = errnoNumber(error);
         return true;
     }
     if (!g_disks.count(what)) return false;
     installDisk(os, path, g_disks.at(what));
+    return true;
+}
+
+// "rdsk ENTRY [DISK | open-fails ERRNO]": the next raw-disk directory entry.
+bool readRawDiskEntry(std::istream& in, SimulatedSystem& os)
+{
+    std::string entry;
+    if (!(in >> entry)) return false;
+    os.directories["/dev/rdsk"].push_back(entry);
+    return readDevice("/dev/rdsk/" + entry, in, os);
+}
+
+// "scsi DISK CDB ANSWER|fails": a disk's answer to one exact command, in hexadecimal.
+bool readScsi(std::istream& in)
+{
+    std::string disk, cdb, answer, bytes;
+    if (!(in >> disk >> cdb >> answer) || !g_disks.count(disk) || !fromHex(cdb, cdb)) return false;
+    if (answer != "fails" && !fromHex(answer, bytes)) return false;
+    g_disks[disk].commands[cdb] = bytes;
     return true;
 }
 
@@ -148,27 +230,71 @@ bool readLine(const std::string& text, SimulatedSystem& os)
     std::string facility, name;
     in >> facility;
     if (facility == ">" || text == ">") {
+        const std::string line = text.size() > 2 ? text.substr(2) : std::string();
+        if (g_entries) return g_entries->push_back(line), true;
         if (!g_text) return false;
-        *g_text += (text.size() > 2 ? text.substr(2) : std::string()) + "\n";
+        *g_text += line + "\n";
         return true;
     }
-    if (facility == "shell" || facility == "run") {
+    if (facility == "no-final-newline") {
+        if (!g_text || g_text->empty() || g_text->back() != '\n') return false;
+        g_text->pop_back();
+        return true;
+    }
+    if (facility == "shell" || facility == "run" || facility == "probe") {
         std::string command;
         std::getline(in >> std::ws, command);
-        g_current = &(facility == "shell" ? os.shells : os.commands)[command];
+        g_current = &(facility == "shell" ? os.shells : facility == "run" ? os.commands : os.probes)[command];
         g_text = &g_current->output;
+        g_entries = nullptr;
         return !command.empty();
     }
     if (facility == "exit") return g_current && static_cast<bool>(in >> g_current->status);
     if (facility == "start-fails") return g_current && (g_current->fails = true);
     g_current = nullptr;
     g_text = nullptr;
+    g_entries = nullptr;
+    if (facility == "dir") {
+        std::getline(in >> std::ws, name);
+        g_entries = &os.directories[name];
+        return !name.empty();
+    }
+    if (facility == "device") return in >> name && readDevice(name, in, os);
+    if (facility == "scsi") return readScsi(in);
+    if (facility == "memory") {
+        // "memory PATH ADDRESS HEX": bytes a memory device holds from ADDRESS on.
+        std::string address, hex, bytes;
+        if (!(in >> name >> address >> hex) || !fromHex(hex, bytes)) return false;
+        os.devices[name].memory[std::strtoull(address.c_str(), nullptr, 0)] = bytes;
+        return true;
+    }
+    if (facility == "fails") {
+        // "fails FACILITY KEY... ERRNO": a call the machine failed.
+        std::vector<std::string> words;
+        for (std::string w; in >> w;) words.push_back(w);
+        if (words.size() < 2 || errnoNumber(words.back()) < 0) return false;
+        std::string key = words[0];
+        for (size_t i = 1; i + 1 < words.size(); ++i) key += " " + words[i];
+        os.failures[key] = errnoNumber(words.back());
+        return true;
+    }
+    if (facility == "kstat-snapshot") {
+        g_snapshot = ++os.kstatSnapshots;
+        return true;
+    }
     if (facility == "file") {
         if (!(in >> name)) return false;
         g_text = &os.files[name];
         return true;
     }
-    if (facility == "time") return static_cast<bool>(in >> os.now);
+    if (facility == "time") {
+        // Every line an answer of its own, in order; the first is also the clock's value until then.
+        time_t seconds;
+        if (!(in >> seconds)) return false;
+        if (os.laterTimes.empty()) os.now = seconds;
+        os.laterTimes.push_back(seconds);
+        return true;
+    }
     if (facility == "statvfs") {
         // "statvfs MOUNTPOINT FRSIZE BLOCKS FREE AVAIL": what statvfs64 says of it.
         struct statvfs64 fs{};
@@ -265,13 +391,15 @@ bool readLine(const std::string& text, SimulatedSystem& os)
         os.pools.byName[name].push_back(r);
     } else if (facility == "sysconf") {
         long value;
-        if (!(in >> name >> value) || !kSysconfNames.count(name)) return false;
-        os.sysconfValues[kSysconfNames.at(name)] = value;
+        if (!(in >> name >> value) || !sysconfNames().count(name)) return false;
+        const int which = sysconfNames().at(name);
+        if (!os.sysconfValues.count(which)) os.sysconfValues[which] = value;
+        os.laterSysconf[which].push_back(value);
     } else if (facility == "sysinfo") {
-        if (!(in >> name) || !kSysinfoNames.count(name)) return false;
+        if (!(in >> name) || !sysinfoNames().count(name)) return false;
         std::string value;
         std::getline(in >> std::ws, value);
-        os.sysinfoValues[kSysinfoNames.at(name)] = value;
+        os.sysinfoValues[sysinfoNames().at(name)] = value;
     } else if (facility == "hostid") {
         // Written unsigned; a 32-bit long holds the high ones as negatives, as Solaris does.
         unsigned long value;
@@ -284,8 +412,8 @@ bool readLine(const std::string& text, SimulatedSystem& os)
         std::string error;
         if (!(in >> os.swapListResult)) return false;
         if (in >> error) {
-            if (!kErrnoNames.count(error)) return false;
-            os.swapListErrno = kErrnoNames.at(error);
+            if (errnoNumber(error) < 0) return false;
+            os.swapListErrno = errnoNumber(error);
         }
     } else if (facility == "swap") {
         SimulatedSystem::SwapDevice d;
@@ -304,6 +432,7 @@ bool readLine(const std::string& text, SimulatedSystem& os)
         uint_t idle, user, kernel, wait;
         if (!(in >> instance >> idle >> user >> kernel >> wait)) return false;
         os.addCpuStat(instance, idle, user, kernel, wait);
+        os.kstats.back().snapshot = g_snapshot;
         // Quirks of the record: "size N", "named", "unreadable".
         for (std::string quirk; in >> quirk;) {
             SimulatedSystem::Kstat& k = os.kstats.back();
@@ -316,7 +445,11 @@ bool readLine(const std::string& text, SimulatedSystem& os)
                 return false;
         }
     } else if (facility == "loadavg") {
-        return static_cast<bool>(in >> os.loadavg[0] >> os.loadavg[1] >> os.loadavg[2]);
+        std::array<double, 3> load;
+        if (!(in >> load[0] >> load[1] >> load[2])) return false;
+        if (os.laterLoadavg.empty()) std::copy(load.begin(), load.end(), os.loadavg);
+        os.laterLoadavg.push_back(load);
+        return true;
     } else if (facility == "loadavg-fails") {
         os.loadavgFails = true;
     } else if (facility == "online") {
@@ -334,6 +467,45 @@ bool readLine(const std::string& text, SimulatedSystem& os)
 }
 }  // namespace
 
+bool readMachine(std::istream& in, const std::string& name, bool needVersion, SimulatedSystem& os, std::string& error)
+{
+    g_current = nullptr;
+    g_text = nullptr;
+    g_entries = nullptr;
+    g_snapshot = 0;
+    g_promProperties.clear();
+    g_disks.clear();
+    bool first = true;
+    std::string line;
+    for (int number = 1; std::getline(in, line); ++number) {
+        const auto start = line.find_first_not_of(" \t");
+        // Command output keeps its blanks and '#'.
+        if (line.rfind(">", 0) != 0 && (start == std::string::npos || line[start] == '#')) continue;
+        const std::string where = name + " line " + std::to_string(number) + ": ";
+        if (first && line.rfind(kFormatWord, 0) == 0) {
+            first = false;
+            const int version = std::atoi(line.c_str() + std::strlen(kFormatWord));
+            if (version < 1) return (error = where + "no format version"), false;
+            if (version > kFormatVersion)
+                return (error = where + "format " + std::to_string(version) + " is newer than this program reads (" +
+                                std::to_string(kFormatVersion) + ")"),
+                       false;
+            continue;
+        }
+        if (first && needVersion)
+            return (error = name + " is not a machine capture: its first line is not \"" + kFormatWord + " N\""), false;
+        first = false;
+        bool read = false;
+        try {
+            read = readLine(line, os);
+        } catch (const std::exception&) {  // a number out of range
+        }
+        if (!read) return (error = where + line.substr(0, 200)), false;
+    }
+    if (first && needVersion) return (error = name + " is empty"), false;
+    return true;
+}
+
 bool loadMachine(const std::string& dir, SimulatedSystem& os, std::string& error)
 {
     std::ifstream in(dir + "/machine.txt");
@@ -341,24 +513,23 @@ bool loadMachine(const std::string& dir, SimulatedSystem& os, std::string& error
         error = dir + "/machine.txt cannot be read";
         return false;
     }
-    std::string line;
-    g_current = nullptr;
-    g_text = nullptr;
-    g_promProperties.clear();
-    g_disks.clear();
-    for (int number = 1; std::getline(in, line); ++number) {
-        if (line.rfind(">", 0) == 0) {  // command output keeps its blanks and '#'
-            if (!readLine(line, os)) return (error = "machine.txt line " + std::to_string(number) + ": " + line), false;
-            continue;
-        }
-        const auto first = line.find_first_not_of(" \t");
-        if (first == std::string::npos || line[first] == '#') continue;
-        if (!readLine(line, os)) {
-            error = "machine.txt line " + std::to_string(number) + ": " + line;
-            return false;
-        }
+    if (!readMachine(in, "machine.txt", false, os, error)) return false;
+    // What its probes print, each from a file of its own.
+    for (const char* probe : {"cpuid", "diskscan"}) {
+        std::ifstream output(dir + "/probes/" + probe, std::ios::binary);
+        if (output) os.probes[probe].output.assign(std::istreambuf_iterator<char>(output), {});
     }
     return true;
+}
+
+bool loadReplay(const std::string& path, SimulatedSystem& os, std::string& error)
+{
+    struct stat st;
+    if (::stat(path.c_str(), &st) != 0) return (error = path + ": " + std::strerror(errno)), false;
+    if (S_ISDIR(st.st_mode)) return loadMachine(path, os, error);
+    std::ifstream in(path, std::ios::binary);
+    if (!in) return (error = path + " cannot be read"), false;
+    return readMachine(in, path, true, os, error);
 }
 
 }  // namespace replay

@@ -57,7 +57,9 @@ void installDisk(SimulatedSystem& os, const std::string& path, const SimulatedDi
         case USCSICMD: {
             auto* block = static_cast<uscsi_cmd*>(arg);
             const auto* cdb = reinterpret_cast<const unsigned char*>(block->uscsi_cdb);
-            const std::string& answer = cdb[0] == 0x12   ? disk.inquiry
+            const auto exact = disk.commands.find(std::string(block->uscsi_cdb, block->uscsi_cdblen));
+            const std::string& answer = exact != disk.commands.end() ? exact->second
+                                        : cdb[0] == 0x12             ? disk.inquiry
                                         : cdb[0] == 0x25 ? disk.capacity
                                         : cdb[2] == 3    ? disk.formatPage
                                                          : disk.geometryPage;

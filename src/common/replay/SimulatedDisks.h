@@ -2,6 +2,7 @@
 // Fake disks: what a raw disk device answers to the disk controls
 // (controller, geometry, label) and to SCSI commands, built from the
 // readable facts a test or a simulated machine gives.
+#include <map>
 #include <string>
 
 #include "common/replay/SimulatedSystem.h"
@@ -15,6 +16,10 @@ struct SimulatedDisk {
     std::string failing;  // disk controls that fail with EIO, by name ("DKIOCGVTOC")
     // SCSI answers as the device sends them; empty: the command fails (EIO).
     std::string inquiry, capacity, formatPage, geometryPage;
+    // Answers to exact commands, by their command block's bytes, as a
+    // capture records them; they come before the answers above. An empty
+    // answer: the command fails (EIO).
+    std::map<std::string, std::string> commands;
 };
 
 // Big-endian `n` bytes of `value`.

@@ -1,5 +1,6 @@
 #include "common/replay/SimulatedSystem.h"
 
+#include "common/replay/MachineFile.h"
 #include "common/sys/KstatChain.h"
 
 #include <sys/mman.h>
@@ -37,6 +38,24 @@ long copyOut(const std::string& value, char* buf, long count)
 }
 
 }  // namespace
+
+template <typename T>
+T SimulatedSystem::missing(const std::string& key, int error, T result)
+{
+    auto known = failures.find(key);
+    if (known != failures.end()) return failWith(known->second, result);
+    if (m_unanswered.insert(key).second) unanswered.push_back(key);
+    return failWith(error, result);
+}
+
+time_t SimulatedSystem::time()
+{
+    if (!laterTimes.empty()) {
+        now = laterTimes.front();
+        laterTimes.pop_front();
+    }
+    return now;
+}
 
 void SimulatedSystem::addCpuStat(int instance, uint_t idle, uint_t user, uint_t kernel, uint_t wait)
 {
@@ -79,14 +98,19 @@ struct utmpx* SimulatedSystem::getutxent()
 long SimulatedSystem::sysinfo(int command, char* buf, long count)
 {
     auto it = sysinfoValues.find(command);
-    if (it == sysinfoValues.end()) return failWith(EINVAL, -1);
+    if (it == sysinfoValues.end()) return missing("sysinfo " + nameOf(sysinfoNames(), command), EINVAL, -1L);
     return copyOut(it->second, buf, count);
 }
 
 long SimulatedSystem::sysconf(int name)
 {
+    auto later = laterSysconf.find(name);
+    if (later != laterSysconf.end() && !later->second.empty()) {
+        sysconfValues[name] = later->second.front();
+        later->second.pop_front();
+    }
     auto it = sysconfValues.find(name);
-    if (it == sysconfValues.end()) return failWith(EINVAL, -1);
+    if (it == sysconfValues.end()) return missing("sysconf " + nameOf(sysconfNames(), name), EINVAL, -1L);
     return it->second;
 }
 
@@ -123,10 +147,15 @@ kstat_ctl_t* SimulatedSystem::kstat_open()
 {
     if (kstatOpenFails) return failWith(EACCES, nullptr);
     auto* chain = new FakeChain{};
-    chain->records.assign(kstats.size(), kstat_t{});
-    for (size_t i = 0; i < kstats.size(); ++i) {
-        kstat_t& k = chain->records[i];
-        k.ks_next = i + 1 < kstats.size() ? &chain->records[i + 1] : nullptr;
+    const int snapshot = std::min(++m_kstatOpens, kstatSnapshots);
+    std::vector<size_t> shown;
+    for (size_t i = 0; i < kstats.size(); ++i)
+        if (kstats[i].snapshot == 0 || kstats[i].snapshot == snapshot) shown.push_back(i);
+    chain->records.assign(shown.size(), kstat_t{});
+    for (size_t n = 0; n < shown.size(); ++n) {
+        const size_t i = shown[n];
+        kstat_t& k = chain->records[n];
+        k.ks_next = n + 1 < shown.size() ? &chain->records[n + 1] : nullptr;
         k.ks_kid = static_cast<kid_t>(i);  // the index of its Kstat
         std::snprintf(k.ks_module, sizeof k.ks_module, "%s", kstats[i].module.c_str());
         k.ks_instance = kstats[i].instance;
@@ -172,6 +201,10 @@ kid_t SimulatedSystem::kstat_read(kstat_ctl_t* kc, kstat_t* ksp, void* buf)
 
 int SimulatedSystem::getloadavg(double* values, int nelem)
 {
+    if (!laterLoadavg.empty()) {
+        std::copy(laterLoadavg.front().begin(), laterLoadavg.front().end(), loadavg);
+        laterLoadavg.pop_front();
+    }
     if (loadavgFails) return -1;
     for (int i = 0; i < nelem && i < 3; ++i) values[i] = loadavg[i];
     return nelem < 3 ? nelem : 3;
@@ -190,7 +223,8 @@ int SimulatedSystem::pset_info(psetid_t, int* type, uint_t* numcpus, processorid
 int SimulatedSystem::p_online(processorid_t cpu, int)
 {
     auto it = processorStates.find(cpu);
-    if (it == processorStates.end() || it->second == -1) return failWith(EINVAL, -1);
+    if (it == processorStates.end()) return missing("p_online " + std::to_string(cpu), EINVAL, -1);
+    if (it->second == -1) return failWith(EINVAL, -1);
     return it->second;
 }
 
@@ -204,7 +238,7 @@ struct FakeDir : sys::Dir {
 sys::Dir* SimulatedSystem::opendir(const char* path)
 {
     auto it = directories.find(path ? path : "");
-    if (it == directories.end()) return failWith(ENOENT, nullptr);
+    if (it == directories.end()) return missing<sys::Dir*>(std::string("opendir ") + (path ? path : ""), ENOENT, nullptr);
     auto* dir = new FakeDir;
     dir->entries = it->second;
     ++m_openDirs;
@@ -233,7 +267,7 @@ int SimulatedSystem::open(const char* path, int)
         return fd;
     }
     auto it = devices.find(path ? path : "");
-    if (it == devices.end()) return failWith(ENOENT, -1);
+    if (it == devices.end()) return missing(std::string("open ") + (path ? path : ""), ENOENT, -1);
     if (it->second.openErrno) return failWith(it->second.openErrno, -1);
     const int fd = m_nextFd++;
     m_open[fd] = OpenDevice{it->first, 0};
@@ -312,7 +346,7 @@ int SimulatedSystem::munmap(void* addr, size_t)
 int SimulatedSystem::statvfs64(const char* path, struct statvfs64* buf)
 {
     auto it = fileSystems.find(path ? path : "");
-    if (it == fileSystems.end() || !buf) return failWith(ENOENT, -1);
+    if (it == fileSystems.end() || !buf) return missing(std::string("statvfs ") + (path ? path : ""), ENOENT, -1);
     *buf = it->second;
     return 0;
 }
@@ -331,7 +365,7 @@ bool SimulatedSystem::Pools::fails(const char* function) const
 void* SimulatedSystem::dlopen(const char* path, int)
 {
     auto it = libraries.find(path ? path : "");
-    if (it == libraries.end()) return nullptr;
+    if (it == libraries.end()) return missing<void*>(std::string("dlopen ") + (path ? path : ""), ENOENT, nullptr);
     ++m_openLibraries;
     return &it->second;
 }
@@ -355,7 +389,8 @@ int SimulatedSystem::dlclose(void* handle)
 FILE* SimulatedSystem::popen(const char* command, const char* mode)
 {
     auto it = shells.find(command ? command : "");
-    if (it == shells.end() || it->second.fails || !mode || mode[0] != 'r') return failWith(ENOENT, nullptr);
+    if (it == shells.end()) return missing<FILE*>(std::string("shell ") + (command ? command : ""), ENOENT, nullptr);
+    if (it->second.fails || !mode || mode[0] != 'r') return failWith(ENOENT, nullptr);
     // A real stream over a temporary file: fgets and fclose work on it.
     FILE* f = std::tmpfile();
     if (!f) return nullptr;
@@ -383,7 +418,8 @@ int SimulatedSystem::runCommand(const std::vector<std::string>& argv, int timeou
     for (const std::string& a : argv) joined += (joined.empty() ? "" : " ") + a;
     ++runs[joined];
     auto it = commands.find(joined);
-    if (it == commands.end() || it->second.fails) return failWith(ENOENT, -1);
+    if (it == commands.end()) return missing("run " + joined, ENOENT, -1);
+    if (it->second.fails) return failWith(ENOENT, -1);
     std::istringstream in(it->second.output);
     std::string line;
     while (std::getline(in, line)) lines.push_back(line);

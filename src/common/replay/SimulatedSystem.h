@@ -1,10 +1,14 @@
 #pragma once
-// A fake operating system: every facility of sys::System answers from data a
-// test sets up, and what is not set up fails the way a machine without it
-// would (EINVAL, ENOENT). Install it for a scope with ScopedSystem.
+// A simulated operating system: every facility of sys::System answers from
+// data a test or a machine file sets up, and what is not set up fails the way
+// a machine without it would (EINVAL, ENOENT). Install it for a scope with
+// ScopedSystem.
+#include <array>
 #include <cerrno>
+#include <deque>
 #include <functional>
 #include <map>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -18,6 +22,11 @@ public:
     std::map<int, std::string> sysinfoValues;  // absent: -1, EINVAL
     long hostid = -1;
     std::map<int, long> sysconfValues;  // absent: -1, EINVAL
+    // Answers that change from call to call (free memory, the clock, the
+    // load): each call takes the next and keeps it as the value from then on.
+    std::map<int, std::deque<long>> laterSysconf;
+    std::deque<time_t> laterTimes;
+    std::deque<std::array<double, 3>> laterLoadavg;
 
     struct SwapDevice {
         std::string path;
@@ -43,12 +52,14 @@ public:
         cpu_stat_t data{};
         std::vector<kstat_named_t> named;  // a named record's values, when it has any
         bool readFails = false;
+        int snapshot = 0;  // 0: in every chain; N: in the chain of the Nth kstat_open and of later ones
     };
     bool kstatOpenFails = false;
     std::vector<Kstat> kstats;
     // A "cpu_stat" record for processor `instance` with these tick counters.
     void addCpuStat(int instance, uint_t idle, uint_t user, uint_t kernel, uint_t wait);
     int openKstatHandles() const { return m_openKstat; }
+    int kstatSnapshots = 0;  // the last snapshot any record belongs to
 
     // "unix:0:system_misc" with the named value "boot_time".
     void addBootTime(long long seconds);
@@ -109,6 +120,16 @@ public:
         std::vector<std::string> missing;
     };
     std::map<std::string, Library> libraries;
+
+    // Calls the machine is known to fail, by facility and key ("open
+    // /etc/release", "sysinfo PLATFORM"), with their errno. Any other call
+    // the data does not answer is listed in `unanswered`, once, in order.
+    std::map<std::string, int> failures;
+    std::vector<std::string> unanswered;
+
+    // What the probe programs print, by name: not a system call, but a
+    // machine's answer all the same.
+    std::map<std::string, Command> probes;
     int openLibraries() const { return m_openLibraries; }
 
     struct V12n {
@@ -133,7 +154,7 @@ public:
     long gethostid() override { return hostid; }
     pid_t getpid() override { return pid; }
     long sysconf(int name) override;
-    time_t time() override { return now; }
+    time_t time() override;
     void tzset(sys::TimeZone& zone) override;
     struct tm* localtime_r(const time_t* clock, struct tm* result) override { return ::localtime_r(clock, result); }
     void setutxent() override { m_nextUtmpx = 0; }
@@ -176,6 +197,12 @@ private:
     struct utmpx m_utmpx{};
     std::map<int, OpenDevice> m_open;
     void copyMemory(const Device& device, long long from, char* out, size_t length) const;
+    // Fails an unanswered call: with the machine's own errno when it is a
+    // known failure, otherwise with `error`, noting it as unanswered.
+    template <typename T>
+    T missing(const std::string& key, int error, T result);
+    std::set<std::string> m_unanswered;
+    int m_kstatOpens = 0;
     int m_nextFd = 1000;
     int m_openKstat = 0;
     int m_openDirs = 0;
