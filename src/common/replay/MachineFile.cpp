@@ -217,8 +217,8 @@ bool readRawDiskEntry(std::istream& in, SimulatedSystem& os)
 // "scsi DISK CDB ANSWER|fails": a disk's answer to one exact command, in hexadecimal.
 bool readScsi(std::istream& in)
 {
-    std::string disk, cdb, answer, bytes;
-    if (!(in >> disk >> cdb >> answer) || !g_disks.count(disk) || !fromHex(cdb, cdb)) return false;
+    std::string disk, hex, answer, cdb, bytes;
+    if (!(in >> disk >> hex >> answer) || !g_disks.count(disk) || !fromHex(hex, cdb)) return false;
     if (answer != "fails" && !fromHex(answer, bytes)) return false;
     g_disks[disk].commands[cdb] = bytes;
     return true;
@@ -275,6 +275,7 @@ bool readLine(const std::string& text, SimulatedSystem& os)
         if (words.size() < 2 || errnoNumber(words.back()) < 0) return false;
         std::string key = words[0];
         for (size_t i = 1; i + 1 < words.size(); ++i) key += " " + words[i];
+        if (words[0] == "mmap" && words.size() == 3) os.devices[words[1]].mapFails = true;
         os.failures[key] = errnoNumber(words.back());
         return true;
     }
@@ -301,6 +302,8 @@ bool readLine(const std::string& text, SimulatedSystem& os)
         unsigned long long frsize, blocks, bfree, bavail;
         if (!(in >> name >> frsize >> blocks >> bfree >> bavail)) return false;
         fs.f_bsize = fs.f_frsize = static_cast<unsigned long>(frsize);
+        unsigned long long bsize;  // when it is not the fragment size
+        if (in >> bsize) fs.f_bsize = static_cast<unsigned long>(bsize);
         fs.f_blocks = blocks;
         fs.f_bfree = bfree;
         fs.f_bavail = bavail;

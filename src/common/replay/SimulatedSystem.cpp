@@ -426,4 +426,17 @@ int SimulatedSystem::runCommand(const std::vector<std::string>& argv, int timeou
     return it->second.status;
 }
 
+bool SimulatedSystem::replay(const std::string& command, std::string& output, int& status)
+{
+    output.clear();
+    status = -1;
+    auto it = probes.find(command);
+    if (it == probes.end()) return missing("probe " + command, ENOENT, true);
+    if (!it->second.fails) {
+        output = it->second.output;
+        status = it->second.status;
+    }
+    return true;
+}
+
 }  // namespace replay

@@ -13,10 +13,13 @@
 #include <vector>
 
 #include "common/sys/System.h"
+#include "common/vartree/vtexec.h"
 
 namespace replay {
 
-class SimulatedSystem : public sys::System {
+// Also the probe tap of a replay: probes print what `probes` holds and are
+// never run.
+class SimulatedSystem : public sys::System, public VtProbeTap {
 public:
     // identity and memory
     std::map<int, std::string> sysinfoValues;  // absent: -1, EINVAL
@@ -186,6 +189,8 @@ public:
     FILE* popen(const char* command, const char* mode) override;
     int pclose(FILE* stream) override;
     int runCommand(const std::vector<std::string>& argv, int timeoutSeconds, std::vector<std::string>& lines) override;
+    bool replay(const std::string& command, std::string& output, int& status) override;
+    void record(const std::string&, const std::string&, int) override {}
 
 private:
     struct OpenDevice {

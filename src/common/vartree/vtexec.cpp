@@ -196,7 +196,10 @@ namespace {
 // the probe can never block on it. Either bound reached reads as the end.
 class BoundedOutput : public VtIStream {
 public:
-    BoundedOutput(int out, int err, long long deadline) : m_out(out), m_err(err), m_deadline(deadline) {}
+    BoundedOutput(int out, int err, long long deadline, std::string* copy)
+        : m_out(out), m_err(err), m_deadline(deadline), m_copy(copy)
+    {
+    }
     bool timedOut() const { return m_timedOut; }
     bool overflowed() const { return m_total > VT_MAX_OUTPUT_BYTES; }
 
@@ -222,6 +225,7 @@ public:
                 const ssize_t n = ::read(m_out, buffer, length);
                 if (n < 0 && (errno == EINTR || errno == EAGAIN)) continue;
                 if (n > 0) m_total += static_cast<size_t>(n);
+                if (n > 0 && m_copy && !overflowed()) m_copy->append(buffer, static_cast<size_t>(n));
                 return static_cast<int>(n);
             }
         }
@@ -230,9 +234,12 @@ public:
 private:
     int m_out, m_err;
     long long m_deadline;
+    std::string* m_copy;  // what was read, for a capture
     size_t m_total = 0;
     bool m_timedOut = false;
 };
+
+VtProbeTap* g_tap = nullptr;
 
 int fdOf(VtIStream* stream) { return static_cast<VtIStream_Unix*>(stream)->fd(); }
 
@@ -248,7 +255,13 @@ void discard(VtExecInfo& info)
 
 }  // namespace
 
-VtExecInfo* vtExecProgram(const char* program, const char* args, const char* errorLog)
+void vtSetProbeTap(VtProbeTap* tap) { g_tap = tap; }
+
+namespace {
+
+// vtExecProgram, keeping what the probe printed and its exit status (-1:
+// none) when `copy` is given.
+VtExecInfo* execProgram(const char* program, const char* args, const char* errorLog, std::string* copy, int* exitStatus)
 {
     runlog::Timed timed(std::string(program ? program : "") + (args && *args ? std::string(" ") + args : ""));
     VtProcess* process = VtProcess::create(program, args, errorLog);
@@ -266,7 +279,7 @@ VtExecInfo* vtExecProgram(const char* program, const char* args, const char* err
     // forever, so the scanner's time-out bounds the whole run.
     const int seconds = NimCfg::getTimeout();
     const long long deadline = sys::monotonicMillis() + 1000LL * seconds;
-    BoundedOutput output(fdOf(process->getStdout()), fdOf(process->getStderr()), deadline);
+    BoundedOutput output(fdOf(process->getStdout()), fdOf(process->getStderr()), deadline, copy);
     VtExecInfo* info = vtParseProgramOutput(&output);
     // Close our ends first, so a probe still writing gets SIGPIPE instead of
     // blocking, then reap it: a long-lived host must not collect zombies.
@@ -300,9 +313,17 @@ VtExecInfo* vtExecProgram(const char* program, const char* args, const char* err
         CcLogWrapper::traceMAX(log, __LINE__, kSource, "vtExecProgram()", "[I] %s exit status %d", program,
                                WEXITSTATUS(status));
         timed.setStatus(WEXITSTATUS(status));
+        if (exitStatus) *exitStatus = WEXITSTATUS(status);
     }
     delete process;
     return info;
+}
+
+}  // namespace
+
+VtExecInfo* vtExecProgram(const char* program, const char* args, const char* errorLog)
+{
+    return execProgram(program, args, errorLog, nullptr, nullptr);
 }
 
 VtExecInfo* vtExecCommand(const char* command, const char* args, const char* errorLog)
@@ -310,7 +331,18 @@ VtExecInfo* vtExecCommand(const char* command, const char* args, const char* err
     if (!command) return nullptr;
     const char* home = std::getenv("NIM_HOMEDIR");
     const std::string program = home ? std::string(home) + "/" + "bin" + "/" + command : std::string(command);
-    return vtExecProgram(program.c_str(), args, errorLog);
+    if (!g_tap) return vtExecProgram(program.c_str(), args, errorLog);
+    std::string output;
+    int status = -1;
+    if (g_tap->replay(command, output, status)) {
+        runlog::Timed timed(program + " (replayed)");
+        timed.setStatus(status);
+        VtIStream_Memory stream(output);
+        return vtParseProgramOutput(&stream);
+    }
+    VtExecInfo* info = execProgram(program.c_str(), args, errorLog, &output, &status);
+    if (info) g_tap->record(command, output, status);
+    return info;
 }
 
 int vtExecTest(const char* command)

@@ -1,4 +1,5 @@
 #pragma once
+#include <string>
 #include <cstdio>
 // Running the probe programs: the child process with its three pipes, the
 // response header that precedes a node dump, and the result record.
@@ -61,8 +62,21 @@ VtExecInfo* vtParseProgramOutput(VtIStream* out);
 // more than VT_MAX_OUTPUT_BYTES is killed with its process group and gives
 // result -1 and no tree; each run's end is traced.
 VtExecInfo* vtExecProgram(const char* program, const char* args, const char* errorLog);
-// Runs $NIM_HOMEDIR/bin/<command>, or <command> itself without NIM_HOMEDIR.
+// Runs $NIM_HOMEDIR/bin/<command>, or <command> itself without NIM_HOMEDIR;
+// through the probe tap when one is set.
 VtExecInfo* vtExecCommand(const char* command, const char* args, const char* errorLog);
+
+// What a capture keeps of each probe run, and what a replay answers instead
+// of running the probe. Keyed by the command's name ("cpuid").
+class VtProbeTap {
+public:
+    virtual ~VtProbeTap() = default;
+    // True with what the probe printed and its exit status: the probe is not run.
+    virtual bool replay(const std::string& command, std::string& output, int& status) = 0;
+    virtual void record(const std::string& command, const std::string& output, int status) = 0;
+};
+// Not owned; null: probes run as they are.
+void vtSetProbeTap(VtProbeTap* tap);
 int vtExecTest(const char* command);
 // Producer side of the header: "1.0 <result> <message>".
 void vtDumpResponse(int result, const char* message);

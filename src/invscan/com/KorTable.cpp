@@ -6,6 +6,7 @@
 #include <cwchar>
 #include <new>
 
+#include "common/sys/System.h"
 #include "framework/utils.h"
 #include "invscan/com/Render.h"
 
@@ -236,7 +237,8 @@ KorTable::KorTable(const korGroupDef* defs, unsigned long groupId, unsigned long
 
 void KorTable::createTimeStap()
 {
-    m_timeStamp = static_cast<long>(std::time(nullptr));
+    // The machine's clock, through the seam: a replayed scan shows the captured times.
+    m_timeStamp = static_cast<long>(sys::current().time());
 }
 
 int KorTable::addRow(KorTableRow* row)

@@ -10,14 +10,22 @@
 #include <chrono>
 #include <cmath>
 #include <cstring>
+#include <ctime>
 #include <filesystem>
+#include <fstream>
 #include <list>
+#include <memory>
 #include <string>
 #include <vector>
 
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
+#include "common/replay/MachineFile.h"
+#include "common/replay/Recorder.h"
+#include "common/replay/Sanitizer.h"
+#include "common/replay/SimulatedSystem.h"
+#include "common/sys/System.h"
 #include "common/vartree/vtexec.h"
 #include "framework/NimCfg.h"
 #include "framework/RunLog.h"
@@ -47,6 +55,9 @@ struct Options {
     std::vector<std::string> excluded;
     bool timing = false;
     double deadline = 0;  // seconds; 0: none
+    std::string replay;   // a capture file or a simulated machine's folder
+    std::string capture;  // where a capture goes
+    bool sanitize = false;
 };
 
 struct Wanted {
@@ -347,7 +358,7 @@ int runScan(const Options& options)
 }
 
 // Runs one probe the way the library does and prints what it parsed.
-int runProbe(const std::string& name)
+int runProbe(const std::string& name, bool replaying)
 {
     // A bare name only: the probes live in one folder.
     if (name.empty() || name.find('/') != std::string::npos || name == "." || name == "..") {
@@ -356,13 +367,68 @@ int runProbe(const std::string& name)
     }
     const char* home = std::getenv("NIM_HOMEDIR");
     const std::string path = std::string(home ? home : ".") + "/bin/" + name;
-    if (access(path.c_str(), X_OK) != 0) {
+    if (!replaying && access(path.c_str(), X_OK) != 0) {
         fail("no probe program " + path);
         return 1;
     }
     std::fflush(stdout);
     const int code = vtExecTest(name.c_str());
     std::fflush(stdout);
+    return code;
+}
+
+// The machine's answers in place of this machine's for the rest of the
+// process: its system calls and its probes. Null with the error on stderr
+// when the file cannot be read.
+std::unique_ptr<replay::SimulatedSystem> startReplay(const std::string& path)
+{
+    auto simulated = std::make_unique<replay::SimulatedSystem>();
+    std::string error;
+    if (!replay::loadReplay(path, *simulated, error)) {
+        fail("cannot replay " + path + ": " + error);
+        return nullptr;
+    }
+    tzset();  // the capture's TZ
+    // A simulated machine's folder brings its hardware configuration.
+    std::error_code ignored;
+    if (std::filesystem::is_directory(path, ignored)) NimCfg::setKey("config_dir", path + "/config");
+    sys::setCurrent(simulated.get());
+    vtSetProbeTap(simulated.get());
+    return simulated;
+}
+
+// What the replay asked for and the capture did not hold.
+void endReplay(const replay::SimulatedSystem& simulated)
+{
+    vtSetProbeTap(nullptr);
+    sys::setCurrent(nullptr);
+    if (simulated.unanswered.empty()) return;
+    std::string list;
+    for (const std::string& call : simulated.unanswered) list += (list.empty() ? "" : ", ") + call;
+    fail("not in the capture: " + list);
+}
+
+// A scan as usual that keeps every answer of the machine in `file`.
+int runCapture(const Options& options)
+{
+    std::ofstream file(options.capture, std::ios::binary | std::ios::trunc);
+    if (!file) {
+        fail("cannot write capture " + options.capture + ": " + std::strerror(errno));
+        return EXIT_USAGE;
+    }
+    replay::Recorder recorder(sys::platform());
+    sys::setCurrent(&recorder);
+    vtSetProbeTap(&recorder);
+    const int code = runScan(options);
+    vtSetProbeTap(nullptr);
+    sys::setCurrent(nullptr);
+    replay::Sanitizer sanitizer;
+    recorder.write(file, options.sanitize ? &sanitizer : nullptr);
+    file.close();
+    if (!file) {
+        fail("cannot write capture " + options.capture + ": " + std::strerror(errno));
+        return 1;
+    }
     return code;
 }
 
@@ -405,10 +471,18 @@ int run(int argc, char** argv)
     scan->add_option("--deadline", options.deadline, "Start no group after SECONDS; bound their commands by it")
         ->type_name("SECONDS")
         ->check(CLI::PositiveNumber);
+    scan->add_option("--replay", options.replay, "Scan a captured machine (a capture FILE or a machine's folder)")
+        ->type_name("FILE");
     CLI::App* probe = app.add_subcommand("probe", "Run a probe program under NIM_HOMEDIR/bin and print its tree");
     std::string probeName;
     probe->add_option("name", probeName, "Probe name, for example cpuid")->required()->type_name("NAME");
-    for (CLI::App* sub : {list, scan, probe}) sub->fallthrough();
+    probe->add_option("--replay", options.replay, "Print what the probe printed in a capture")->type_name("FILE");
+    CLI::App* capture =
+        app.add_subcommand("capture", "Scan this machine and keep every answer it gave in FILE, to replay elsewhere");
+    capture->add_option("file", options.capture, "Where the capture goes")->required()->type_name("FILE");
+    capture->add_flag("--sanitize", options.sanitize,
+                      "Replace serial numbers, host ids, UUIDs, MAC addresses and WWNs with placeholders");
+    for (CLI::App* sub : {list, scan, probe, capture}) sub->fallthrough();
 
     try {
         app.parse(argc, argv);
@@ -424,14 +498,18 @@ int run(int argc, char** argv)
     // Installed layout: <prefix>/bin/invscan and <prefix>/config/NimHWConfig.xml.
     if (!prefix.empty() && !NimCfg::hasKey("config_dir")) NimCfg::setKey("config_dir", prefix + "/config");
 
-    if (!list->parsed() && !scan->parsed() && !probe->parsed()) {
-        fail("a command is needed: list, scan or probe (see --help)");
+    if (!list->parsed() && !scan->parsed() && !probe->parsed() && !capture->parsed()) {
+        fail("a command is needed: list, scan, probe or capture (see --help)");
         return EXIT_USAGE;
     }
     if (const int code = applyConfiguration(options)) return code;
     if (list->parsed()) return runList(options);
-    if (probe->parsed()) return runProbe(probeName);
-    return runScan(options);
+    if (capture->parsed()) return runCapture(options);
+    std::unique_ptr<replay::SimulatedSystem> simulated;
+    if (!options.replay.empty() && !(simulated = startReplay(options.replay))) return EXIT_USAGE;
+    const int code = probe->parsed() ? runProbe(probeName, simulated != nullptr) : runScan(options);
+    if (simulated) endReplay(*simulated);
+    return code;
 }
 
 }  // namespace cli
