@@ -478,7 +478,7 @@ bool readMachine(std::istream& in, const std::string& name, bool needVersion, Si
     g_snapshot = 0;
     g_promProperties.clear();
     g_disks.clear();
-    bool first = true;
+    bool first = true, ended = false;
     std::string line;
     for (int number = 1; std::getline(in, line); ++number) {
         const auto start = line.find_first_not_of(" \t");
@@ -498,6 +498,11 @@ bool readMachine(std::istream& in, const std::string& name, bool needVersion, Si
         if (first && needVersion)
             return (error = name + " is not a machine capture: its first line is not \"" + kFormatWord + " N\""), false;
         first = false;
+        if (line == kEndWord) {
+            ended = true;
+            continue;
+        }
+        if (ended) return (error = where + "follows the end of the capture"), false;
         bool read = false;
         try {
             read = readLine(line, os);
@@ -506,6 +511,7 @@ bool readMachine(std::istream& in, const std::string& name, bool needVersion, Si
         if (!read) return (error = where + line.substr(0, 200)), false;
     }
     if (first && needVersion) return (error = name + " is empty"), false;
+    if (needVersion && !ended) return (error = name + " is cut short: its last line is not \"" + kEndWord + "\""), false;
     return true;
 }
 

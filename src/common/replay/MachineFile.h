@@ -14,9 +14,12 @@ namespace replay {
 
 constexpr const char* kFormatWord = "invscan-machine";
 constexpr int kFormatVersion = 1;
+// A capture's last line: without it the file was cut short.
+constexpr const char* kEndWord = "end-of-capture";
 
 // Reads lines into `os`; false with `error` naming the line it could not
-// read. `needVersion`: the first line must be the format line.
+// read. `needVersion` (a capture): the first line must be the format line,
+// and the last the end line.
 bool readMachine(std::istream& in, const std::string& name, bool needVersion, SimulatedSystem& os, std::string& error);
 // A simulated machine's folder.
 bool loadMachine(const std::string& dir, SimulatedSystem& os, std::string& error);

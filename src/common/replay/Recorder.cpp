@@ -680,6 +680,7 @@ void Recorder::write(std::ostream& out, Sanitizer* s) const
 
     if (!m_failures.empty()) out << "\n# calls the machine failed\n";
     for (const auto& f : m_failures) out << "fails " << clean(s, f.first) << " " << errnoName(f.second) << "\n";
+    out << kEndWord << "\n";
 }
 
 }  // namespace replay
