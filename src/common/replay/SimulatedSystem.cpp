@@ -430,6 +430,7 @@ bool SimulatedSystem::replay(const std::string& command, std::string& output, in
 {
     output.clear();
     status = -1;
+    ++probeRuns[command];
     auto it = probes.find(command);
     if (it == probes.end()) return missing("probe " + command, ENOENT, true);
     if (!it->second.fails) {

@@ -133,6 +133,7 @@ public:
     // What the probe programs print, by name: not a system call, but a
     // machine's answer all the same.
     std::map<std::string, Command> probes;
+    std::map<std::string, int> probeRuns;  // how often each was asked for
     int openLibraries() const { return m_openLibraries; }
 
     struct V12n {
