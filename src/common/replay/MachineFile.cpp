@@ -254,6 +254,11 @@ bool readLine(const std::string& text, SimulatedSystem& os)
     g_current = nullptr;
     g_text = nullptr;
     g_entries = nullptr;
+    if (facility == "hwconfig") {
+        os.hasHardwareConfig = true;
+        g_text = &os.hardwareConfig;
+        return true;
+    }
     if (facility == "dir") {
         std::getline(in >> std::ws, name);
         g_entries = &os.directories[name];

@@ -56,6 +56,15 @@ size_t keptAnswers(const std::vector<T>& answers)
 
 }  // namespace
 
+Recorder::Recorder(sys::System& real, VtProbeTap* probes) : m_real(real), m_inner(probes) {}
+
+bool Recorder::replay(const std::string& command, std::string& output, int& status)
+{
+    if (!m_inner || !m_inner->replay(command, output, status)) return false;
+    record(command, output, status);
+    return true;
+}
+
 Recorder::~Recorder()
 {
     for (auto& stream : m_streams) std::fclose(stream.first);
@@ -469,10 +478,12 @@ int Recorder::statvfs64(const char* path, struct statvfs64* buf)
 void* Recorder::dlopen(const char* path, int mode)
 {
     void* handle = m_real.dlopen(path, mode);
-    if (!handle)
+    if (!handle) {
         fail(std::string("dlopen ") + (path ? path : ""), ENOENT);
-    else
+    } else {
         m_libraries.insert(path ? path : "");
+        m_libraryAnswers.handles[handle] = path ? path : "";
+    }
     return handle;
 }
 
@@ -539,7 +550,15 @@ void Recorder::write(std::ostream& out, Sanitizer* s) const
 {
     out << kFormatWord << " " << kFormatVersion << "\n";
     out << "# what a machine answered to one scan" << (s ? " (sanitized)" : "") << "\n";
-    if (const char* tz = std::getenv("TZ")) out << "env TZ " << tz << "\n";
+    // What the scan reads from its environment: the time zone, the locale,
+    // and the switch of the tape-backup check.
+    for (const char* name :
+         {"TZ", "LANG", "LC_ALL", "LC_CTYPE", "LC_MESSAGES", "LANGUAGE", "CHECK_ULTRIUM_TAPE_RUNNING"})
+        if (const char* value = std::getenv(name)) out << "env " << name << " " << value << "\n";
+    if (m_hasHardwareConfig) {
+        out << "hwconfig\n";
+        writeLines(out, m_hardwareConfig);
+    }
 
     out << "\n# identity and memory\n";
     for (const auto& v : m_sysinfo) {
@@ -654,7 +673,26 @@ void Recorder::write(std::ostream& out, Sanitizer* s) const
     }
     for (const auto& p : prom) out << "prom-property " << p.first << " " << clean(s, p.second) << "\n";
     for (const auto& f : m_fileSystems) out << "statvfs " << f.first << " " << f.second << "\n";
-    for (const std::string& library : m_libraries) out << "library " << library << "\n";
+    const LibraryAnswers& l = m_libraryAnswers;
+    for (const std::string& library : m_libraries) {
+        out << "library " << library;
+        auto missing = l.missing.find(library);
+        if (missing != l.missing.end()) {
+            out << " missing";
+            for (const std::string& symbol : missing->second) out << " " << symbol;
+        }
+        out << "\n";
+    }
+    if (l.envFails) out << "v12n env-fails\n";
+    if (l.nameFails) out << "v12n name-fails\n";
+    if (l.kzFails) out << "v12n kz-fails\n";
+    if (!l.name.empty()) out << "v12n name " << clean(s, l.name) << "\n";
+    if (!l.kzZoneName.empty()) out << "v12n kz-zonename " << clean(s, l.kzZoneName) << "\n";
+    for (const std::string& function : l.poolFailing) out << "pool-fails " << function << "\n";
+    for (const auto& pool : l.byPool)
+        for (const PoolResource& r : pool.second)
+            out << "pool " << pool.first << " " << (r.type.empty() ? "-" : r.type) << " "
+                << (r.name.empty() ? "-" : r.name) << " " << r.size << "\n";
 
     out << "\n# commands\n";
     auto commands = [&out, s](const char* kind, const std::vector<std::string>& order,

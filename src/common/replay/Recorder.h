@@ -21,8 +21,14 @@ class Sanitizer;
 
 class Recorder : public sys::System, public VtProbeTap {
 public:
-    explicit Recorder(sys::System& real) : m_real(real) {}
+    // `probes`: where probe output comes from when not from running them (a
+    // replay being captured again); null: they run.
+    explicit Recorder(sys::System& real, VtProbeTap* probes = nullptr);
     ~Recorder() override;
+
+    // The hardware configuration file the scan loaded: not a system call,
+    // but it shapes the tables.
+    void keepHardwareConfig(const std::string& text) { m_hardwareConfig = text; m_hasHardwareConfig = true; }
 
     // The capture; `sanitizer` (may be null) takes identities out.
     void write(std::ostream& out, Sanitizer* sanitizer) const;
@@ -61,13 +67,14 @@ public:
     int munmap(void* addr, size_t length) override { return m_real.munmap(addr, length); }
     int statvfs64(const char* path, struct statvfs64* buf) override;
     void* dlopen(const char* path, int mode) override;
-    void* dlsym(void* handle, const char* symbol) override { return m_real.dlsym(handle, symbol); }
+    // The zone reader's libraries answer through recording stand-ins.
+    void* dlsym(void* handle, const char* symbol) override;
     int dlclose(void* handle) override { return m_real.dlclose(handle); }
     FILE* popen(const char* command, const char* mode) override;
     int pclose(FILE* stream) override;
     int runCommand(const std::vector<std::string>& argv, int timeoutSeconds, std::vector<std::string>& lines) override;
 
-    bool replay(const std::string&, std::string&, int&) override { return false; }
+    bool replay(const std::string& command, std::string& output, int& status) override;
     void record(const std::string& command, const std::string& output, int status) override;
 
 private:
@@ -99,10 +106,32 @@ private:
         bool named = false, unreadable = false;
     };
 
+public:
+    // What the virtualization and resource-pool libraries answered
+    // (RecordedLibraries.cpp fills it).
+    struct PoolResource {
+        std::string type, name;
+        unsigned long long size = 0;
+    };
+    struct LibraryAnswers {
+        std::map<void*, std::string> handles;                 // -> path
+        std::map<std::string, std::set<std::string>> missing;  // path -> symbols not found
+        bool envFails = false, nameFails = false, kzFails = false;
+        std::string name, kzZoneName;
+        std::set<std::string> poolFailing;
+        std::map<const void*, std::string> pools;  // pool -> its name
+        std::map<const void*, std::pair<std::string, size_t>> resources;  // resource or element -> pool, index
+        std::map<const void*, std::pair<const void*, std::string>> values;  // value -> element, property
+        std::map<std::string, std::vector<PoolResource>> byPool;
+    };
+    LibraryAnswers& libraries() { return m_libraryAnswers; }
+
+private:
     void fail(const std::string& key, int error) { m_failures.emplace(key, error); }
     Device& deviceOf(int fd);
 
     sys::System& m_real;
+    VtProbeTap* m_inner;  // where replayed probe output comes from
     std::map<std::string, int> m_failures;  // "open /x" -> errno
     std::map<int, std::string> m_sysinfo;
     bool m_hasHostid = false, m_hasPid = false;
@@ -130,6 +159,9 @@ private:
     std::map<int, OpenFile> m_open;
     std::map<std::string, std::string> m_fileSystems;
     std::set<std::string> m_libraries;
+    LibraryAnswers m_libraryAnswers;
+    std::string m_hardwareConfig;
+    bool m_hasHardwareConfig = false;
     std::map<std::string, Output> m_shells, m_commands, m_probes;
     std::vector<std::string> m_shellOrder, m_commandOrder;
     std::map<FILE*, int> m_streams;  // stream -> the status its pclose gives

@@ -14,7 +14,11 @@ namespace replay {
 
 namespace {
 
-SimulatedSystem& fake() { return dynamic_cast<SimulatedSystem&>(sys::current()); }
+SimulatedSystem* g_owner = nullptr;
+
+// The system that handed the function out: the current one is a recorder
+// when a replay is captured again.
+SimulatedSystem& fake() { return g_owner ? *g_owner : dynamic_cast<SimulatedSystem&>(sys::current()); }
 
 int g_poolError = 0;
 
@@ -159,8 +163,9 @@ static int fake_pool_value_get_uint64(const pool_value* value, uint64_t* out)
 
 namespace replay {
 
-void* fakeLibraryFunction(const char* symbol)
+void* fakeLibraryFunction(const char* symbol, SimulatedSystem* owner)
 {
+    g_owner = owner;
     struct Entry {
         const char* name;
         void (*function)();

@@ -376,7 +376,7 @@ void* SimulatedSystem::dlsym(void* handle, const char* symbol)
     if (!library || !symbol ||
         std::find(library->missing.begin(), library->missing.end(), symbol) != library->missing.end())
         return nullptr;
-    return fakeLibraryFunction(symbol);
+    return fakeLibraryFunction(symbol, this);
 }
 
 int SimulatedSystem::dlclose(void* handle)

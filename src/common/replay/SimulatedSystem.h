@@ -134,6 +134,9 @@ public:
     // machine's answer all the same.
     std::map<std::string, Command> probes;
     std::map<std::string, int> probeRuns;  // how often each was asked for
+    // The hardware configuration file a capture holds.
+    std::string hardwareConfig;
+    bool hasHardwareConfig = false;
     int openLibraries() const { return m_openLibraries; }
 
     struct V12n {
@@ -216,8 +219,9 @@ private:
     std::map<FILE*, int> m_streams;  // stream -> status pclose reports
 };
 
-// The fake libv12n or libpool function of that name, or null.
-void* fakeLibraryFunction(const char* symbol);
+// The fake libv12n or libpool function of that name, or null; it answers
+// from `owner` (null: the current system).
+void* fakeLibraryFunction(const char* symbol, SimulatedSystem* owner = nullptr);
 
 // Makes `fake` the current system for a scope.
 class ScopedSystem {

@@ -408,20 +408,25 @@ void endReplay(const replay::SimulatedSystem& simulated)
     fail("not in the capture: " + list);
 }
 
-// A scan as usual that keeps every answer of the machine in `file`.
-int runCapture(const Options& options)
+// A scan as usual that keeps every answer of the machine in `file`. Of a
+// replay too: a capture sanitized afterwards, a machine's folder as one file.
+int runCapture(const Options& options, replay::SimulatedSystem* replaying)
 {
     std::ofstream file(options.capture, std::ios::binary | std::ios::trunc);
     if (!file) {
         fail("cannot write capture " + options.capture + ": " + std::strerror(errno));
         return EXIT_USAGE;
     }
-    replay::Recorder recorder(sys::platform());
+    replay::Recorder recorder(sys::current(), replaying);
     sys::setCurrent(&recorder);
     vtSetProbeTap(&recorder);
     const int code = runScan(options);
-    vtSetProbeTap(nullptr);
-    sys::setCurrent(nullptr);
+    vtSetProbeTap(replaying);
+    sys::setCurrent(replaying);
+    const std::string hwConfig =
+        options.hwConfig.empty() ? GroupFactory::getInstance()->getHWConfigFile().narrow() : options.hwConfig;
+    std::ifstream config(hwConfig, std::ios::binary);
+    if (config) recorder.keepHardwareConfig(std::string(std::istreambuf_iterator<char>(config), {}));
     replay::Sanitizer sanitizer;
     recorder.write(file, options.sanitize ? &sanitizer : nullptr);
     file.close();
@@ -482,6 +487,8 @@ int run(int argc, char** argv)
     capture->add_option("file", options.capture, "Where the capture goes")->required()->type_name("FILE");
     capture->add_flag("--sanitize", options.sanitize,
                       "Replace serial numbers, host ids, UUIDs, MAC addresses and WWNs with placeholders");
+    capture->add_option("--replay", options.replay, "Capture a replay instead of this machine (to sanitize a capture)")
+        ->type_name("FILE");
     for (CLI::App* sub : {list, scan, probe, capture}) sub->fallthrough();
 
     try {
@@ -504,11 +511,26 @@ int run(int argc, char** argv)
     }
     if (const int code = applyConfiguration(options)) return code;
     if (list->parsed()) return runList(options);
-    if (capture->parsed()) return runCapture(options);
     std::unique_ptr<replay::SimulatedSystem> simulated;
     if (!options.replay.empty() && !(simulated = startReplay(options.replay))) return EXIT_USAGE;
-    const int code = probe->parsed() ? runProbe(probeName, simulated != nullptr) : runScan(options);
+    // The capture's hardware configuration, unless one is named.
+    std::string heldConfig;
+    if (simulated && simulated->hasHardwareConfig && options.hwConfig.empty()) {
+        char path[] = "/tmp/invscan-hwconfig-XXXXXX";
+        const int fd = mkstemp(path);
+        if (fd < 0 || write(fd, simulated->hardwareConfig.data(), simulated->hardwareConfig.size()) < 0) {
+            fail(std::string("cannot replay the capture's hardware configuration: ") + std::strerror(errno));
+            if (fd >= 0) close(fd);
+            return 1;
+        }
+        close(fd);
+        heldConfig = options.hwConfig = path;
+    }
+    const int code = probe->parsed()     ? runProbe(probeName, simulated != nullptr)
+                     : capture->parsed() ? runCapture(options, simulated.get())
+                                         : runScan(options);
     if (simulated) endReplay(*simulated);
+    if (!heldConfig.empty()) unlink(heldConfig.c_str());
     return code;
 }
 
