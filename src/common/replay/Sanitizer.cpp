@@ -76,7 +76,7 @@ std::string Sanitizer::text(const std::string& in)
     static const std::regex uuid("[0-9a-fA-F]{8}-[0-9a-fA-F]{4}-[0-9a-fA-F]{4}-[0-9a-fA-F]{4}-[0-9a-fA-F]{12}");
     // Six groups of one or two digits: Solaris leaves out leading zeros,
     // dladm's parseable form escapes the colons.
-    static const std::regex mac("\\b[0-9a-fA-F]{1,2}((\\\\?:)[0-9a-fA-F]{1,2}){5}\\b");
+    static const std::regex mac("\\b[0-9a-fA-F]{1,2}((\\\\?:)[0-9a-fA-F]{1,2}){5}\\b(?!\\\\?:[0-9a-fA-F])");
     static const std::regex wwnColons("\\b[0-9a-fA-F]{2}(:[0-9a-fA-F]{2}){7}\\b");
     static const std::regex wwn("\\b(0x)?[0-9a-fA-F]{16}\\b");
     // Multipath device names carry the logical unit's WWN: c0t<WWN>d0.
@@ -97,6 +97,13 @@ std::string Sanitizer::text(const std::string& in)
         return colons;
     });
     out = replaceAll(out, mac, [this](const std::smatch& m) {
+        // Six groups inside a longer run (a WWN: "xx:" before them) are no MAC address.
+        const std::string before = m.prefix().str();
+        const size_t n = before.size();
+        if (n >= 3 && before[n - 1] == ':' && std::isxdigit(static_cast<unsigned char>(before[n - 2])) &&
+            std::isxdigit(static_cast<unsigned char>(before[n - 3])) &&
+            (n == 3 || !std::isalnum(static_cast<unsigned char>(before[n - 4])) || before[n - 4] == ':'))
+            return m.str();
         // The same address however it is written: two digits a byte.
         std::string canonical;
         const std::string separator = m[2].str();
