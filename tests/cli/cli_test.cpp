@@ -329,8 +329,9 @@ TEST_F(Cli, CaptureReplaysToTheSameTables)
         EXPECT_EQ(clean.find((*it)[1].str()), std::string::npos) << it->str();
     replayed = run({"--format", "json", "scan", "--replay", sanitized});
     EXPECT_EQ(replayed.code, 0) << replayed.err;
-    for (const auto& g : nlohmann::json::parse(replayed.out).at("groups"))
-        EXPECT_EQ(g.at("status"), byName(nlohmann::json::parse(live.out)).at(g.at("name")).at("status")) << g.dump();
+    const nlohmann::json sanitizedScan = nlohmann::json::parse(replayed.out), liveScan = nlohmann::json::parse(live.out);
+    for (const auto& g : sanitizedScan.at("groups"))
+        EXPECT_EQ(g.at("status"), byName(liveScan).at(g.at("name")).at("status")) << g.dump();
 }
 
 // What a replay needs and the capture lacks fails as on a machine without it

@@ -6,7 +6,9 @@
 #include <map>
 #include <string>
 
-class Toolbox {
+#include "invscan/com/Export.h"
+
+class INVSCAN_API Toolbox {
 public:
     Toolbox() = delete;
 

@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include "framework/String.h"
+#include "invscan/com/Export.h"
 #include "invscan/com/KorTypes.h"
 
 constexpr uint32_t KOR_END = 0xFFFFFFFFu;  // sentinel id / value
@@ -37,10 +38,10 @@ static_assert(sizeof(void*) != 4 || sizeof(korGroupDef) == 28, "korGroupDef is s
 static_assert(sizeof(void*) != 4 || sizeof(korAttribDef) == 20, "korAttribDef is five words");
 static_assert(sizeof(void*) != 4 || sizeof(korEnumDef) == 8, "korEnumDef is two words");
 
-extern const korGroupDef GROUPS_DEF[];
+INVSCAN_API extern const korGroupDef GROUPS_DEF[];
 
 // Attribute tables of the groups.
-extern const korAttribDef COMPONENTID_ATTRS_DEF[], PROCESSOR_ATTRS_DEF[], MEMORY_ATTRS_DEF[],
+INVSCAN_API extern const korAttribDef COMPONENTID_ATTRS_DEF[], PROCESSOR_ATTRS_DEF[], MEMORY_ATTRS_DEF[],
     OPER_SYS_ATTRS_DEF[], STORAGE_ATTRS_DEF[], IP_ADDR_ATTRS_DEF[], IPV6_ADDR_ATTRS_DEF[],
     KEYBOARD_ATTRS_DEF[], REGIONAL_ATTRS_DEF[], UNIX_PAR_ATTRS_DEF[], SCAN_INFO_ATTRS_DEF[],
     PART_ATTRS_DEF[], NET_ADPTR_ATTRS_DEF[], PCI_DEVICE_ATTRS_DEF[], PHYS_PROC_ATTRS_DEF[],
@@ -48,12 +49,12 @@ extern const korAttribDef COMPONENTID_ATTRS_DEF[], PROCESSOR_ATTRS_DEF[], MEMORY
     CPU_UNIX_METER_ATTRS_DEF[], VIRTUAL_MACHINE_ATTRS_DEF[], PART2STOR_ATTRS_DEF[],
     SAN_ADAPTER_ATTRS_DEF[];
 
-extern const uint32_t PROCESSOR_KEYS_DEF[], STORAGE_KEYS_DEF[], IP_ADDRESS_KEYS_DEF[],
+INVSCAN_API extern const uint32_t PROCESSOR_KEYS_DEF[], STORAGE_KEYS_DEF[], IP_ADDRESS_KEYS_DEF[],
     IPV6_ADDRESS_KEYS_DEF[], PARTITION_KEYS_DEF[], NETWORK_ADAPTER_KEYS_DEF[], PCI_DEVICE_KEYS_DEF[],
     PHYS_PROC_KEYS_DEF[], VIRTUAL_MACHINE_KEYS_DEF[], PART2STOR_KEYS_DEF[], SAN_ADAPTER_KEYS_DEF[];
 
 // Categories no group of this library produces: kept as schema data only.
-extern const korAttribDef LDOMS_ATTRS_DEF[], CPU_WIN_METER_ATTRS_DEF[], SCREEN_SAVER_INFO_ATTRS_DEF[],
+INVSCAN_API extern const korAttribDef LDOMS_ATTRS_DEF[], CPU_WIN_METER_ATTRS_DEF[], SCREEN_SAVER_INFO_ATTRS_DEF[],
     USER_ACCOUNT_INFO_ATTRS_DEF[], SERVICE_INFO_ATTRS_DEF[], MONITOR_ATTRS_DEF[], MODEM_ATTRS_DEF[],
     USB_DEVICE_ATTRS_DEF[], INSTALLED_PATCH_ATTRS_DEF[], VRX_CLUSTER_NODE_ATTRS_DEF[],
     VRX_CLUSTER_ATTRS_DEF[], WIN_CLUSTER_NODE_ATTRS_DEF[], WIN_CLUSTER_ATTRS_DEF[],
@@ -62,7 +63,7 @@ extern const korAttribDef LDOMS_ATTRS_DEF[], CPU_WIN_METER_ATTRS_DEF[], SCREEN_S
     VIDEO_ATTRS_DEF[], IPX_ADDR_ATTRS_DEF[], LOG_DRIVE_ATTRS_DEF[], POINT_DEV_ATTRS_DEF[],
     DSK_PART_ATTRS_DEF[], OPER_SYS_CSIDL_ATTRS_DEF[], MEMORY_MODULES_ATTRS_DEF[];
 
-extern const uint32_t LDOMS_KEYS_DEF[], VIRTUAL_MACHINE_GUEST_KEYS_DEF[], SCREEN_SAVER_INFO_KEYS_DEF[],
+INVSCAN_API extern const uint32_t LDOMS_KEYS_DEF[], VIRTUAL_MACHINE_GUEST_KEYS_DEF[], SCREEN_SAVER_INFO_KEYS_DEF[],
     SERVICE_INFO_KEYS_DEF[], MEMORY_MODULES_KEYS_DEF[], IPX_ADDR_KEYS_DEF[], DISK_PARTITION_KEYS_DEF[],
     LOGICAL_DRIVE_KEYS_DEF[], WIN_CLUSTER_NODE_KEYS_DEF[], WIN_CLUSTER_KEYS_DEF[],
     VRX_CLUSTER_NODE_KEYS_DEF[], VRX_CLUSTER_KEYS_DEF[], USER_ACCOUNT_INFO_KEYS_DEF[], MONITOR_KEYS_DEF[],
@@ -70,7 +71,7 @@ extern const uint32_t LDOMS_KEYS_DEF[], VIRTUAL_MACHINE_GUEST_KEYS_DEF[], SCREEN
     VIDEO_KEYS_DEF[], USB_DEVICE_KEYS_DEF[];
 
 // Enumerations.
-extern const korEnumDef REGIONAL_TZ_PLUS_MINUS[], REGIONAL_TZ_DAYLIGHT[],
+INVSCAN_API extern const korEnumDef REGIONAL_TZ_PLUS_MINUS[], REGIONAL_TZ_DAYLIGHT[],
     STORAGE_SECURITY_ENABLED_ENUM_DEF[], PART_TYPE_ENUM_DEF[], PART_MEDIA_TYPE_ENUM_DEF[],
     PROCESSOR_INTERFACE_ENUM_DEF[], ADAPTER_TYPE_ENUM_DEF[], OS_TYPE_ENUM_DEF[], STORAGE_TYPE_ENUM_DEF[],
     FILE_SYSTEM_TYPE_ENUM_DEF[], PROCESSOR_FAMILY_ENUM_DEF[], MONITOR_STATUS_ENUMS_DEF[],
@@ -78,15 +79,15 @@ extern const korEnumDef REGIONAL_TZ_PLUS_MINUS[], REGIONAL_TZ_DAYLIGHT[],
     POINTING_DEVICE_TYPE_ENUM_DEF[], HWSEC_POP_ENUM_DEF[], KOR_ATTRIB_SMBIOS_ENCLOSURE_TYPE_ENUM_DEF[];
 
 // "Unknown" when the id is not catalogued.
-const char* getGroupNameFromId(unsigned long groupId);
+INVSCAN_API const char* getGroupNameFromId(unsigned long groupId);
 // 0 when no name matches (case-sensitive, whole name).
-unsigned long getGroupIdFromName(const String& name);
-unsigned long getDebugMaskFromName(const char* name);
-const korGroupDef* getGroupDefinitionFromId(unsigned long groupId);
-const char* getAttribNameFromId(const korGroupDef* group, unsigned long attribId);
-const korAttribDef* getAttribDefinitionFromId(const korGroupDef* group, unsigned long attribId);
-const char* getEnumAsciiValue(const korGroupDef* group, unsigned long attribId, unsigned long value);
+INVSCAN_API unsigned long getGroupIdFromName(const String& name);
+INVSCAN_API unsigned long getDebugMaskFromName(const char* name);
+INVSCAN_API const korGroupDef* getGroupDefinitionFromId(unsigned long groupId);
+INVSCAN_API const char* getAttribNameFromId(const korGroupDef* group, unsigned long attribId);
+INVSCAN_API const korAttribDef* getAttribDefinitionFromId(const korGroupDef* group, unsigned long attribId);
+INVSCAN_API const char* getEnumAsciiValue(const korGroupDef* group, unsigned long attribId, unsigned long value);
 
 // The same id look-ups over another definition array (tables may carry one).
-const char* getGroupNameFromId(const korGroupDef* defs, unsigned long groupId);
-const korGroupDef* getGroupDefinitionFromId(const korGroupDef* defs, unsigned long groupId);
+INVSCAN_API const char* getGroupNameFromId(const korGroupDef* defs, unsigned long groupId);
+INVSCAN_API const korGroupDef* getGroupDefinitionFromId(const korGroupDef* defs, unsigned long groupId);

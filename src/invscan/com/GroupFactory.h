@@ -7,12 +7,13 @@
 
 #include "framework/NimCfg.h"
 #include "framework/String.h"
+#include "invscan/com/Export.h"
 #include "invscan/com/HWConfig.h"
 #include "invscan/com/KorGroup.h"
 
 class Node;
 
-class GroupFactory {
+class INVSCAN_API GroupFactory {
 public:
     static GroupFactory* getInstance();
 
@@ -76,10 +77,10 @@ private:
 
 // The build's date and time in the date-time form 2022-06-01-15.27.51.000000,
 // in one static buffer.
-const char* getBuildDateQVRB();
-extern const char QVRB_BuildDate[];  // yy/mm/dd
-extern const char QVRB_BuildTime[];  // hh:mm:ss
+INVSCAN_API const char* getBuildDateQVRB();
+INVSCAN_API extern const char QVRB_BuildDate[];  // yy/mm/dd
+INVSCAN_API extern const char QVRB_BuildTime[];  // hh:mm:ss
 
 // Longest a command or probe may run, in seconds (NimCfg::getTimeout()).
 const int NIM_DEFAULT_MAX_TIMEOUT = NimCfg::DEFAULT_TIMEOUT;
-int GetNIMMaxTimeout();
+INVSCAN_API int GetNIMMaxTimeout();

@@ -5,13 +5,14 @@
 #include <utility>
 
 #include "framework/String.h"
+#include "invscan/com/Export.h"
 #include "invscan/com/KorTable.h"
 
 // Attribute list read from the hardware configuration file: key, value pairs
 // in file order. Owned by the factory; groups only read them.
 using AttrList = std::list<std::pair<String, String>>;
 
-class KorGroup {
+class INVSCAN_API KorGroup {
 public:
     KorGroup(unsigned long groupId, unsigned long version);
     virtual ~KorGroup();

@@ -12,9 +12,10 @@
 #include <string>
 
 #include "invscan/com/Catalogue.h"
+#include "invscan/com/Export.h"
 #include "invscan/com/KorTypes.h"
 
-class KorTableAttrib {
+class INVSCAN_API KorTableAttrib {
 public:
     KorTableAttrib(unsigned long id, unsigned char value);
     KorTableAttrib(unsigned long id, unsigned short value);
@@ -55,7 +56,7 @@ private:
 // A singly linked list with a tail pointer and a cursor; shared by rows and
 // tables. Owns its elements.
 template <typename T>
-class KorList {
+class INVSCAN_API KorList {
 public:
     KorList() = default;
     ~KorList();
@@ -83,7 +84,7 @@ private:
     Link* m_cursor = nullptr;
 };
 
-class KorTableRow {
+class INVSCAN_API KorTableRow {
 public:
     KorTableRow() = default;
     // Appends even a null attribute, and counts it. Returns 1.
@@ -98,7 +99,7 @@ private:
     KorList<KorTableAttrib> m_attribs;
 };
 
-class KorTable {
+class INVSCAN_API KorTable {
 public:
     KorTable(unsigned long groupId, unsigned long version);
     KorTable(const korGroupDef* defs, unsigned long groupId, unsigned long version);

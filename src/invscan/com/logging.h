@@ -1,10 +1,11 @@
 #pragma once
 // Stand-alone logging to standard error, for code that runs without the
 // framework's tracing.
+#include "invscan/com/Export.h"
 
 extern "C" {
 // Exported switch for the host or a debugger; off by default.
-extern int debug_on;
+INVSCAN_API extern int debug_on;
 
 // Local time as "%Y-%m-%dT%H:%M:%S", malloc'ed; the empty text when
 // formatting fails. The caller frees it.

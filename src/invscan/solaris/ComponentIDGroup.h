@@ -4,11 +4,12 @@
 // produced, with empty strings where nothing was found.
 #include <string>
 
+#include "invscan/com/Export.h"
 #include "invscan/com/KorGroup.h"
 
 class KorTable;
 
-class ComponentIDGroup : public KorGroup {
+class INVSCAN_API ComponentIDGroup : public KorGroup {
 public:
     ComponentIDGroup();
     KorTable* getTable() override;

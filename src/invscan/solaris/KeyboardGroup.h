@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "invscan/com/Export.h"
 #include "invscan/com/KorGroup.h"
 
 namespace sys {
@@ -12,7 +13,7 @@ class System;
 }
 class KorTable;
 
-class KeyboardGroup : public KorGroup {
+class INVSCAN_API KeyboardGroup : public KorGroup {
 public:
     KeyboardGroup();
     KorTable* getTable() override;

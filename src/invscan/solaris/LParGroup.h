@@ -4,13 +4,14 @@
 // cpuid probe, the zone reader, the SMBIOS table and sysinfo. One row.
 #include <string>
 
+#include "invscan/com/Export.h"
 #include "invscan/com/KorGroup.h"
 #include "invscan/solaris/Zone.h"
 
 class KorTable;
 struct VtExecInfo;
 
-class LParGroup : public KorGroup {
+class INVSCAN_API LParGroup : public KorGroup {
 public:
     LParGroup();
     KorTable* getTable() override;

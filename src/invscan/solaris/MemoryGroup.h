@@ -1,6 +1,7 @@
 #pragma once
 // "Memory": physical memory from the system configuration values, swap from
 // the swap control interface, virtual memory as their sum; one row.
+#include "invscan/com/Export.h"
 #include "invscan/com/KorGroup.h"
 
 namespace sys {
@@ -8,7 +9,7 @@ class System;
 }
 class KorTable;
 
-class MemoryGroup : public KorGroup {
+class INVSCAN_API MemoryGroup : public KorGroup {
 public:
     MemoryGroup();
     KorTable* getTable() override;

@@ -4,6 +4,7 @@
 // shaped from the network facts of the scan.
 #include <string>
 
+#include "invscan/com/Export.h"
 #include "invscan/com/KorGroup.h"
 
 class KorTable;
@@ -12,19 +13,19 @@ namespace network {
 struct NetworkFacts;
 }
 
-class NetworkAdapterGroup : public KorGroup {
+class INVSCAN_API NetworkAdapterGroup : public KorGroup {
 public:
     NetworkAdapterGroup();
     KorTable* getTable() override;
 };
 
-class IpAddressGroup : public KorGroup {
+class INVSCAN_API IpAddressGroup : public KorGroup {
 public:
     IpAddressGroup();
     KorTable* getTable() override;
 };
 
-class Ipv6AddressGroup : public KorGroup {
+class INVSCAN_API Ipv6AddressGroup : public KorGroup {
 public:
     Ipv6AddressGroup();
     KorTable* getTable() override;

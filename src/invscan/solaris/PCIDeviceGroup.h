@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "invscan/com/Export.h"
 #include "invscan/com/KorGroup.h"
 
 namespace sys {
@@ -13,7 +14,7 @@ class System;
 }
 class KorTable;
 
-class PCIDeviceGroup : public KorGroup {
+class INVSCAN_API PCIDeviceGroup : public KorGroup {
 public:
     PCIDeviceGroup();
     KorTable* getTable() override;

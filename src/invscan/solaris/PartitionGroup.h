@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "invscan/com/Export.h"
 #include "invscan/com/KorGroup.h"
 
 namespace sys {
@@ -11,7 +12,7 @@ class System;
 }
 class KorTable;
 
-class PartitionGroup : public KorGroup {
+class INVSCAN_API PartitionGroup : public KorGroup {
 public:
     PartitionGroup();
     KorTable* getTable() override;

@@ -4,12 +4,13 @@
 #include <string>
 #include <vector>
 
+#include "invscan/com/Export.h"
 #include "invscan/com/KorGroup.h"
 
 class KorTable;
 struct VtExecInfo;
 
-class PhysicalProcessorGroup : public KorGroup {
+class INVSCAN_API PhysicalProcessorGroup : public KorGroup {
 public:
     PhysicalProcessorGroup();
     KorTable* getTable() override;

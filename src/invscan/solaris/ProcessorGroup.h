@@ -2,6 +2,7 @@
 // "Processor": one row per core, from the cpuid probe's tree. The same unit
 // holds the small PROM device-tree walkers the identity group uses.
 #include "common/sys/SolarisTypes.h"
+#include "invscan/com/Export.h"
 #include "invscan/com/KorGroup.h"
 
 #include <string>
@@ -10,7 +11,7 @@
 class KorTable;
 struct VtExecInfo;
 
-class ProcessorGroup : public KorGroup {
+class INVSCAN_API ProcessorGroup : public KorGroup {
 public:
     ProcessorGroup();
     KorTable* getTable() override;

@@ -6,11 +6,12 @@
 // output of "iostat -En".
 #include <string>
 
+#include "invscan/com/Export.h"
 #include "invscan/com/KorGroup.h"
 
 class KorTableRow;
 
-class StorageGroup : public KorGroup {
+class INVSCAN_API StorageGroup : public KorGroup {
 public:
     StorageGroup();
     // Null when no disk and no CD/DVD row was found, even if a floppy or

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "invscan/com/Export.h"
 #include "invscan/com/KorGroup.h"
 
 namespace sys {
@@ -41,7 +42,7 @@ unsigned long osType(const std::string& sysname, const std::string& release);
 bool gatherOperatingSystemFacts(sys::System& os, VtExecInfo* cpuid, OperatingSystemFacts& facts);
 void shapeOperatingSystemRow(const OperatingSystemFacts& facts, KorTable& table);
 
-class OperatingSystemGroup : public KorGroup {
+class INVSCAN_API OperatingSystemGroup : public KorGroup {
 public:
     OperatingSystemGroup();
     KorTable* getTable() override;
@@ -57,7 +58,7 @@ struct RegionalFacts {
 RegionalFacts gatherRegionalFacts(sys::System& os);
 void shapeRegionalRow(const RegionalFacts& facts, KorTable& table);
 
-class RegionalGroup : public KorGroup {
+class INVSCAN_API RegionalGroup : public KorGroup {
 public:
     RegionalGroup();
     KorTable* getTable() override;
@@ -72,7 +73,7 @@ struct UnixSystemFacts {
 UnixSystemFacts gatherUnixSystemFacts(sys::System& os);
 void shapeUnixSystemRow(const UnixSystemFacts& facts, KorTable& table);
 
-class UnixSystemParamsGroup : public KorGroup {
+class INVSCAN_API UnixSystemParamsGroup : public KorGroup {
 public:
     UnixSystemParamsGroup();
     KorTable* getTable() override;
@@ -87,7 +88,7 @@ struct ScanInfoFacts {
 ScanInfoFacts gatherScanInfoFacts(sys::System& os);
 void shapeScanInfoRow(const ScanInfoFacts& facts, KorTable& table);
 
-class ScanInfoGroup : public KorGroup {
+class INVSCAN_API ScanInfoGroup : public KorGroup {
 public:
     ScanInfoGroup();
     KorTable* getTable() override;

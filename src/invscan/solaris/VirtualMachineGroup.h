@@ -2,10 +2,11 @@
 // "VirtualMachine": one row per zone hosted by this global (or kernel) zone.
 #include <vector>
 
+#include "invscan/com/Export.h"
 #include "invscan/com/KorGroup.h"
 #include "invscan/solaris/Zone.h"
 
-class VirtualMachineGroup : public KorGroup {
+class INVSCAN_API VirtualMachineGroup : public KorGroup {
 public:
     VirtualMachineGroup();
     KorTable* getTable() override;
