@@ -12,7 +12,7 @@ BUILD = echo "building $(1)$(if $(2), ($(2)))..."; set -o pipefail; \
 SKIPPED = n=$$(grep -c "no real captures" $(1)/Testing/Temporary/LastTest.log 2>/dev/null); \
           [ "$${n:-0}" -eq 0 ] || echo "$$n tests skipped: ../shared/fixtures is absent"
 
-.PHONY: all deps build scan test test32 sanitize solaris-check bench fuzz fuzz-run clean
+.PHONY: all deps build scan test test32 sanitize solaris-check bench fuzz fuzz-run clean install install-check package
 
 all: build
 
@@ -32,6 +32,19 @@ scan: deps build/CMakeCache.txt
 
 test: build
 	@cd build && ctest $(CTEST_FLAGS); status=$$?; cd ..; $(call SKIPPED,build); exit $$status
+
+# Into PREFIX (default /usr/local); DESTDIR is honoured.
+PREFIX ?= /usr/local
+install: build
+	@cmake --install build --prefix $(PREFIX)
+
+# An install into a new prefix, and the example host built against it.
+install-check: build
+	@scripts/check-install.sh build
+
+# The Debian package, linted, unpacked and run.
+package:
+	@scripts/package.sh
 
 build32/CMakeCache.txt:
 	@scripts/install-deps.sh --m32

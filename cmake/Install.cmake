@@ -55,7 +55,9 @@ file(RELATIVE_PATH _bindir_to_cli "/${CMAKE_INSTALL_BINDIR}" "/${INVSCAN_HOME_DI
 install(CODE "file(MAKE_DIRECTORY \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_BINDIR}\")
               file(CREATE_LINK \"${_bindir_to_cli}\"
                    \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_BINDIR}/invscan\" SYMBOLIC)")
-install(FILES ${PROJECT_SOURCE_DIR}/doc/invscan.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+if(NOT INVSCAN_PACKAGE)  # the package installs it compressed
+  install(FILES ${PROJECT_SOURCE_DIR}/doc/invscan.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+endif()
 
 # pkg-config: relative to the .pc file, so a moved tree still builds.
 file(RELATIVE_PATH _pc_to_prefix "/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/")

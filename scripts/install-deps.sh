@@ -4,6 +4,7 @@
 #   scripts/install-deps.sh            native build and tests
 #   scripts/install-deps.sh --m32      also the -m32 toolchain and i386 expat
 #   scripts/install-deps.sh --fuzz     also clang with libFuzzer
+#   scripts/install-deps.sh --package  also what makes and checks the Debian package
 set -euo pipefail
 
 want=(cmake make g++ pkg-config libexpat1-dev libgtest-dev libgmock-dev googletest
@@ -13,6 +14,7 @@ for arg in "$@"; do
   case "$arg" in
     --m32) m32=1; want+=(g++-multilib) ;;
     --fuzz) want+=(clang libclang-rt-dev) ;;
+    --package) want+=(dpkg-dev file lintian mandoc) ;;
     *) echo "install-deps: unknown option $arg" >&2; exit 2 ;;
   esac
 done
