@@ -444,10 +444,6 @@ TEST_P(MachineReplay, GivesTheExpectedTablesAndSoDoesItsCapture)
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(All, MachineReplay, ::testing::ValuesIn(testsupport::machineNames()), [](const auto& param) {
-    std::string name = param.param;
-    std::replace(name.begin(), name.end(), '-', '_');
-    return name;
-});
+INSTANTIATE_TEST_SUITE_P(All, MachineReplay, ::testing::ValuesIn(testsupport::machineNames()), testsupport::machineTestName);
 
 }  // namespace

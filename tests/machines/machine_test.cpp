@@ -155,10 +155,6 @@ TEST_P(Machine, ScanGivesTheExpectedTables)
 }
 
 // Test names may not hold '-': machine folders do.
-INSTANTIATE_TEST_SUITE_P(All, Machine, ::testing::ValuesIn(machineNames()), [](const auto& param) {
-    std::string name = param.param;
-    std::replace(name.begin(), name.end(), '-', '_');
-    return name;
-});
+INSTANTIATE_TEST_SUITE_P(All, Machine, ::testing::ValuesIn(machineNames()), machineTestName);
 
 }  // namespace

@@ -23,4 +23,11 @@ std::vector<std::string> machineNames()
     return names;
 }
 
+std::string machineTestName(const ::testing::TestParamInfo<std::string>& param)
+{
+    std::string name = param.param;
+    std::replace(name.begin(), name.end(), '-', '_');
+    return name;
+}
+
 }  // namespace testsupport

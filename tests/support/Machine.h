@@ -1,5 +1,7 @@
 #pragma once
 // The simulated machines of tests/machines (see its README.md).
+#include <gtest/gtest.h>
+
 #include <string>
 #include <vector>
 
@@ -13,5 +15,7 @@ using replay::loadMachine;
 // The folders under tests/machines, sorted.
 std::vector<std::string> machineNames();
 std::string machineDir(const std::string& name);
+// A machine's name as a test name: "sol10-mounts" gives "sol10_mounts".
+std::string machineTestName(const ::testing::TestParamInfo<std::string>& param);
 
 }  // namespace testsupport
