@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "common/sys/PosixSystem.h"
+#include "common/replay/SimulatedSystem.h"
 #include "invscan/com/KorTable.h"
 #include "invscan/solaris/StorageGroup.h"
 
@@ -16,21 +16,11 @@ namespace {
 
 // Input: chunks, each a two-byte length (low byte first) and that many bytes, in the order
 // DKIOCINFO, DKIOCGGEOM, DKIOCGVTOC (each padded or cut to its structure),
-// INQUIRY, READ CAPACITY, page 3, page 4. A missing chunk fails its request.
-class FuzzedDisk : public sys::PosixSystem {
+// INQUIRY, READ CAPACITY, page 3, page 4. A missing chunk fails its request;
+// every other call fails as on an empty machine.
+class FuzzedDisk : public replay::SimulatedSystem {
 public:
     std::vector<std::string> answers;
-
-    long sysinfo(int, char*, long) override { return fail(-1L); }
-    int swapctl(int, void*) override { return fail(-1); }
-    kstat_ctl_t* kstat_open() override { return fail<kstat_ctl_t*>(nullptr); }
-    int kstat_close(kstat_ctl_t*) override { return fail(-1); }
-    kstat_t* kstat_lookup(kstat_ctl_t*, char*, int, char*) override { return fail<kstat_t*>(nullptr); }
-    kid_t kstat_read(kstat_ctl_t*, kstat_t*, void*) override { return fail<kid_t>(-1); }
-    kid_t kstat_chain_update(kstat_ctl_t*) override { return fail<kid_t>(-1); }
-    int getloadavg(double*, int) override { return fail(-1); }
-    int pset_info(psetid_t, int*, uint_t*, processorid_t*) override { return fail(-1); }
-    int p_online(processorid_t, int) override { return fail(-1); }
 
     int open(const char*, int) override { return 77; }
     int close(int) override { return 0; }

@@ -133,8 +133,13 @@ bool dump(int type, const std::function<void(const nlmsghdr*)>& each)
             ok = false;
             break;
         }
-        int left = static_cast<int>(n);
-        for (auto* h = reinterpret_cast<const nlmsghdr*>(buffer.data()); NLMSG_OK(h, left); h = NLMSG_NEXT(h, left)) {
+        // The walk of NLMSG_OK and NLMSG_NEXT, without their mix of signed
+        // and unsigned lengths.
+        const size_t got = static_cast<size_t>(n);
+        for (size_t at = 0; at + sizeof(nlmsghdr) <= got;) {
+            const auto* h = reinterpret_cast<const nlmsghdr*>(buffer.data() + at);
+            if (h->nlmsg_len < sizeof(nlmsghdr) || h->nlmsg_len > got - at) break;
+            at += NLMSG_ALIGN(static_cast<size_t>(h->nlmsg_len));
             if (h->nlmsg_type == NLMSG_DONE) {
                 done = true;
                 break;
