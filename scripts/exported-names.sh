@@ -6,7 +6,8 @@
 set -euo pipefail
 library=$1
 names() {
-  nm -D --defined-only "$library" | awk '$2 != "A" { print $3 }' | c++filt |
+  # __odr_asan.NAME: AddressSanitizer's one-definition markers of NAME.
+  nm -D --defined-only "$library" | awk '$2 != "A" && $3 !~ /^__odr_asan/ { print $3 }' | c++filt |
     sed -E 's/^(vtable|typeinfo name|typeinfo|VTT|guard variable|non-virtual thunk to|virtual thunk to) for //;
             s/^(non-virtual thunk to|virtual thunk to) //; s/\(.*//; s/::.*//' | LC_ALL=C sort -u
 }
