@@ -40,10 +40,10 @@ for ((r = 0; r < rounds; r++)); do
 done
 for ((i = 0; i < ${#names[@]}; i++)); do
   strace -f -qq -e trace=execve -o "$work/strace" bash -c "exec ${commands[$i]}" >/dev/null 2>&1 || true
-  # The tool's own execve is not a process it starts.
-  echo "${names[$i]} $(( $(grep -c 'execve(' "$work/strace") - 1 ))" >>"$work/spawns"
+  # The first two execs are bash's and the tool's own: not processes it starts.
+  echo "${names[$i]} $(( $(grep -c 'execve(' "$work/strace") - 2 ))" >>"$work/spawns"
   if [ "${names[$i]}" = invscan ]; then
-    grep 'execve(' "$work/strace" | sed -n '2,$p' | sed -E 's/^[0-9]+ +execve\("([^"]*)".*/\1/' |
+    grep 'execve(' "$work/strace" | sed -n '3,$p' | sed -E 's/^[0-9]+ +execve\("([^"]*)".*/\1/' |
       sort | uniq -c | sort -rn >"$work/invscan-spawns"
   fi
 done
