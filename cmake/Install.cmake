@@ -20,12 +20,18 @@ set(INVSCAN_CONFIG_DIR "" CACHE STRING
 
 # Programs in <home>/bin and libraries in <libdir> find each other by a
 # relative run path, so the installed tree may move; none where the library
-# folder is the system's own.
+# folder is the system's own. The build tree's programs carry the same path
+# with the build's own entry added, so installing edits nothing: CMake's edit
+# in place would leave the build's path ending in an empty entry to make room,
+# which the loader takes for the current folder (a test checks).
 file(RELATIVE_PATH _bin_to_lib "/${INVSCAN_HOME_DIR}/bin" "/${CMAKE_INSTALL_LIBDIR}")
+file(RELATIVE_PATH _build_bin_to_lib "${CMAKE_RUNTIME_OUTPUT_DIRECTORY}" "${CMAKE_LIBRARY_OUTPUT_DIRECTORY}")
+string(REGEX REPLACE "/$" "" _bin_to_lib "${_bin_to_lib}")
 list(FIND CMAKE_PLATFORM_IMPLICIT_LINK_DIRECTORIES "${CMAKE_INSTALL_FULL_LIBDIR}" _system_libdir)
-if(_system_libdir EQUAL -1)
-  set_target_properties(invscan-cli cpuid diskscan PROPERTIES INSTALL_RPATH "$ORIGIN/${_bin_to_lib}")
-  set_target_properties(invsys nimfw invscan PROPERTIES INSTALL_RPATH "$ORIGIN")
+if(_system_libdir EQUAL -1 AND NOT INVSCAN_M32)
+  set_target_properties(invscan-cli cpuid diskscan PROPERTIES BUILD_WITH_INSTALL_RPATH ON
+                        INSTALL_RPATH "$ORIGIN/${_build_bin_to_lib};$ORIGIN/${_bin_to_lib}")
+  set_target_properties(invsys nimfw invscan PROPERTIES BUILD_WITH_INSTALL_RPATH ON INSTALL_RPATH "$ORIGIN")
 endif()
 
 install(TARGETS invsys nimfw invscan EXPORT invscanTargets
