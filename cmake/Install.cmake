@@ -28,7 +28,7 @@ file(RELATIVE_PATH _bin_to_lib "/${INVSCAN_HOME_DIR}/bin" "/${CMAKE_INSTALL_LIBD
 file(RELATIVE_PATH _build_bin_to_lib "${CMAKE_RUNTIME_OUTPUT_DIRECTORY}" "${CMAKE_LIBRARY_OUTPUT_DIRECTORY}")
 string(REGEX REPLACE "/$" "" _bin_to_lib "${_bin_to_lib}")
 list(FIND CMAKE_PLATFORM_IMPLICIT_LINK_DIRECTORIES "${CMAKE_INSTALL_FULL_LIBDIR}" _system_libdir)
-if(_system_libdir EQUAL -1 AND NOT INVSCAN_M32)
+if(_system_libdir EQUAL -1)
   set_target_properties(invscan-cli cpuid diskscan PROPERTIES BUILD_WITH_INSTALL_RPATH ON
                         INSTALL_RPATH "$ORIGIN/${_build_bin_to_lib};$ORIGIN/${_bin_to_lib}")
   set_target_properties(invsys nimfw invscan PROPERTIES BUILD_WITH_INSTALL_RPATH ON INSTALL_RPATH "$ORIGIN")
