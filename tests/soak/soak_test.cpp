@@ -17,7 +17,6 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
-#include <filesystem>
 #include <fstream>
 #include <list>
 #include <string>
@@ -26,6 +25,7 @@
 #include "framework/NimCfg.h"
 #include "invscan/com/GroupFactory.h"
 #include "support/Machine.h"
+#include "support/TempDir.h"
 
 namespace {
 
@@ -52,13 +52,6 @@ long residentKiB()
     long size = 0, resident = 0;
     statm >> size >> resident;
     return resident * (sysconf(_SC_PAGESIZE) / 1024);
-}
-
-int openDescriptors()
-{
-    int n = 0;
-    for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) (void)entry, ++n;
-    return n - 1;  // the listing's own
 }
 
 int loadedObjects()
@@ -110,10 +103,10 @@ unsigned long scanOnce()
 // `figures`.
 std::string soak(int n, std::string& figures, FakeSystem* machine)
 {
-    const int descriptorsBefore = openDescriptors();
+    const int descriptorsBefore = openDescriptorCount();
     unsigned long firstValues = scanOnce();
     // What a first scan loads for good (name services, the locale) is no leak.
-    const int descriptorsWarm = openDescriptors(), objectsWarm = loadedObjects();
+    const int descriptorsWarm = openDescriptorCount(), objectsWarm = loadedObjects();
     long memoryAt100 = residentKiB();
     std::string problems;
     for (int i = 2; i <= n; ++i) {
@@ -124,7 +117,7 @@ std::string soak(int n, std::string& figures, FakeSystem* machine)
         if (i == kMemoryFromScan) memoryAt100 = residentKiB();
     }
     const long memoryEnd = residentKiB();
-    const int descriptorsEnd = openDescriptors(), objectsEnd = loadedObjects();
+    const int descriptorsEnd = openDescriptorCount(), objectsEnd = loadedObjects();
     const std::string children = childrenLeft();
     figures = std::to_string(n) + " scans, " + std::to_string(firstValues) + " values each; resident " +
               std::to_string(memoryAt100) + " KiB at scan " + std::to_string(n < kMemoryFromScan ? 1 : kMemoryFromScan) +
