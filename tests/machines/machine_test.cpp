@@ -1,157 +1,32 @@
 // Scans every simulated machine under tests/machines through the factory, as
 // a host does, and compares the tables with the machine's "expected.txt".
-// Each scan runs in a child process of its own: the probes run once per
-// process, and a leak or crash in a scan fails its machine alone.
 #include <gtest/gtest.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
-#include <algorithm>
-#include <cstdio>
 #include <cstdlib>
-#include <list>
 #include <fstream>
-#include <memory>
-#include <sstream>
 
-#include "framework/NimCfg.h"
-#include "common/vartree/vtexec.h"
-#include "framework/Trace.h"
-#include "invscan/com/GroupFactory.h"
-#include "invscan/com/GroupRegistry.h"
-#include "invscan/solaris/Zone.h"
 #include "support/Machine.h"
-#include "support/TableReader.h"
+#include "support/MachineScan.h"
 #include "support/TempDir.h"
 
 namespace {
 
 using namespace testsupport;
 
-// What the zone reader makes of the machine: facts no group shows whole.
-std::string zoneFacts()
-{
-    const Zone zone;
-    const Zone::ZoneInfo& z = zone.getZoneInfo();
-    char capacity[64];
-    std::snprintf(capacity, sizeof capacity, "capacity %g, pool capacity %g", static_cast<double>(z.capacity),
-                  static_cast<double>(z.sharedPoolCapacity));
-    return std::string("== Zone\n") + (zone.isInsideZone() ? "inside a zone" : "no zones") +
-           (zone.isGlobalZone() ? ", global" : "") + (zone.isKernelZone() ? ", kernel zone" : "") +
-           (zone.isInsidePool() ? ", in a pool" : "") + "\nid " + z.id + ", hostid " + z.hostid + ", name '" + z.name +
-           "', type '" + z.type + "' ('" + z.typeDisplayed + "'), " + capacity + "\npool '" + z.sharedPoolName +
-           "': " + z.sharedPoolType + " '" + z.poolResourceName + "'\nchild zones " +
-           std::to_string(zone.getChildZonesInfo().size()) + "\n";
-}
-
-// The text without its CATALOGUE lines.
-std::string stripCatalogue(const std::string& text)
-{
-    std::istringstream in(text);
-    std::string line, out;
-    while (std::getline(in, line))
-        if (line.rfind("CATALOGUE: ", 0) != 0) out += line + "\n";
-    return out;
-}
-
-// Every group that has a class, in catalogue order: its table as text, what
-// the catalogue check finds wrong with it, and the trace lines the machine
-// expects that did not come.
-std::string scanMachine(const std::string& dir)
-{
-    FakeSystem os;
-    std::string error;
-    if (!loadMachine(dir, os, error)) return "cannot load: " + error + "\n";
-    ScopedSystem scope(os);
-    vtSetProbeTap(&os);  // the probes print the machine's captured output
-    trace::Capture trace(trace::Level::Max);
-    NimCfg::setKey(String("config_dir"), String(dir + "/config"));
-
-    // Every group that has a class, in catalogue order.
-    auto scanGroups = [](std::string& out, bool checkCatalogue) {
-        GroupFactory* factory = GroupFactory::getInstance();
-        factory->initialise();
-        factory->loadNodeFromFile(factory->getHWConfigFile(), 0);
-        factory->startScan();
-        for (const korGroupDef* g = GROUPS_DEF; g->id != KOR_END; ++g) {
-            if (!findGroupClass(g->id)) continue;
-            std::unique_ptr<KorGroup> group(factory->getKORGroup(g->id));
-            std::unique_ptr<KorTable> table(group ? group->getTable() : nullptr);
-            out += "== " + std::string(g->name) + "\n";
-            if (!table) {
-                out += "no table\n";
-                continue;
-            }
-            if (checkCatalogue)
-                for (const std::string& problem : catalogueProblems(*table)) out += "CATALOGUE: " + problem + "\n";
-            out += tableText(*table);
-        }
-        factory->endScan();
-    };
-    std::string out;
-    scanGroups(out, true);
-    // Tracing changes no result: a second scan with tracing off gives the same tables.
-    {
-        trace::Capture quiet(trace::Level::Off);
-        std::string again;
-        scanGroups(again, false);
-        if (again != stripCatalogue(out)) out += "UNTRACED SCAN DIFFERS\n";
-    }
-    // The build stamp differs from build to build.
-    const std::string stamp = getBuildDateQVRB();
-    for (size_t at; (at = out.find(stamp)) != std::string::npos;) out.replace(at, stamp.size(), "<build stamp>");
-    out += zoneFacts();
-    if (os.openKstatHandles() != 0) out += "LEAK: kernel statistics left open\n";
-    if (os.openLibraries() != 0) out += "LEAK: libraries left open\n";
-    if (os.openStreams() != 0) out += "LEAK: command pipes left open\n";
-    if (os.openDirectories() != 0) out += "LEAK: directories left open\n";
-    if (os.openDescriptors() != 0) out += "LEAK: devices left open\n";
-    vtSetProbeTap(nullptr);
-    // Each probe runs once in a process, however many groups read its tree.
-    for (const auto& probe : os.probeRuns)
-        if (probe.second > 1) out += "PROBE RUN " + std::to_string(probe.second) + " TIMES: " + probe.first + "\n";
-
-    std::istringstream wanted(readFile(dir + "/trace.txt"));
-    std::string line;
-    while (std::getline(wanted, line))
-        if (!line.empty() && !trace.contains(line)) out += "TRACE MISSING: " + line + "\n";
-    return out;
-}
-
 class Machine : public ::testing::TestWithParam<std::string> {};
 
 TEST_P(Machine, ScanGivesTheExpectedTables)
 {
     const std::string dir = machineDir(GetParam());
-    TempDir home;
-    const std::string result = home.path() + "/result.txt";
-
-    std::fflush(nullptr);
-    const pid_t pid = fork();
-    ASSERT_GE(pid, 0);
-    if (pid == 0) {
-        setenv("NIM_HOMEDIR", home.path().c_str(), 1);
-        setenv("TZ", "UTC", 1);
-        // The locale is the machine's (its `env` lines), never the test runner's.
-        for (const char* name : {"LC_ALL", "LC_MESSAGES", "LC_CTYPE", "LANG", "LANGUAGE"}) unsetenv(name);
-        tzset();
-        const std::string text = scanMachine(dir);
-        FILE* f = std::fopen(result.c_str(), "w");
-        const bool written = f && std::fputs(text.c_str(), f) >= 0;
-        if (f) std::fclose(f);
-        // exit, not _exit: the leak checker of a sanitizer build runs here.
-        std::exit(written ? 0 : 3);
-    }
-    int status = 0;
-    ASSERT_EQ(waitpid(pid, &status, 0), pid);
-    ASSERT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << "the scan crashed or leaked, status " << status;
+    std::string result;
+    ASSERT_TRUE(scanMachineInChild(dir, result)) << result;
     // INVSCAN_WRITE_MACHINES=1 writes the tables of a new machine as its
     // expected ones: read them through before committing them.
     if (std::getenv("INVSCAN_WRITE_MACHINES")) {
-        std::ofstream(dir + "/expected.txt") << readFile(result);
+        std::ofstream(dir + "/expected.txt") << result;
         GTEST_SKIP() << "wrote " << dir << "/expected.txt";
     }
-    EXPECT_EQ(readFile(result), readFile(dir + "/expected.txt")) << "machine " << GetParam();
+    EXPECT_EQ(result, readFile(dir + "/expected.txt")) << "machine " << GetParam();
 }
 
 // Test names may not hold '-': machine folders do.
