@@ -11,11 +11,22 @@
 #include <cstdlib>
 #include <fstream>
 #include <map>
+#include <regex>
 #include <sstream>
 
 namespace sys {
 namespace linuxanswers {
 namespace {
+
+// An executable of that name in a folder of PATH, as the shell would find it.
+bool onPath(const std::string& program)
+{
+    const char* path = std::getenv("PATH");
+    std::istringstream folders(path ? path : "/usr/bin:/bin");
+    for (std::string folder; std::getline(folders, folder, ':');)
+        if (!folder.empty() && ::access((folder + "/" + program).c_str(), X_OK) == 0) return true;
+    return false;
+}
 
 // KEY=VALUE lines of a shell-style settings file, quotes taken off; later
 // lines win. Empty when the file cannot be read.
@@ -216,6 +227,22 @@ bool answerFile(const std::string& path, const std::string& root, std::string& t
     }
     text = out.str();
     return true;
+}
+
+bool answerShell(const std::string& command, std::string& output, int& status)
+{
+    output.clear();
+    if (command == "zonename 2>/dev/null") {
+        if (onPath("zonename")) return false;
+        status = 127;
+        return true;
+    }
+    static const std::regex zoneQuery(R"(LANG=C; ps -o zone(id)? -p \d+ 2>/dev/null \| sed '2q;d' 2>/dev/null)");
+    if (std::regex_match(command, zoneQuery)) {
+        status = 0;
+        return true;
+    }
+    return false;
 }
 
 bool answerRun(const std::vector<std::string>& argv, const std::string& root, std::vector<std::string>& lines,

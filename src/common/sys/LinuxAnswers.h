@@ -24,6 +24,14 @@ bool answerFile(const std::string& path, const std::string& root, std::string& t
 bool answerRun(const std::vector<std::string>& argv, const std::string& root, std::vector<std::string>& lines,
                int& status);
 
+// The shell commands that ask which zone the process runs in: "zonename
+// 2>/dev/null" (no output and status 127, as a shell without the program,
+// unless one is on the PATH) and "LANG=C; ps -o zone|zoneid -p PID ... |
+// sed '2q;d' ..." (no output: Linux's ps has no zone column). Linux has no
+// zones, and asking a shell, ps and sed to say so costs four processes.
+// False for any other command, or when the program should run.
+bool answerShell(const std::string& command, std::string& output, int& status);
+
 // A file's first line without its line end and trailing blanks; empty when unreadable.
 std::string firstLine(const std::string& path);
 

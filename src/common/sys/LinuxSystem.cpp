@@ -255,12 +255,16 @@ public:
     FILE* popen(const char* command, const char* mode) override
     {
         std::string output;
-        if (!command || !mode || mode[0] != 'r' || !linuxdisks::answerCommand(command, "/sys", output))
+        int status = 0;
+        if (!command || !mode || mode[0] != 'r') return PosixSystem::popen(command, mode);
+        if (linuxdisks::answerCommand(command, "/sys", output))
+            status = output.empty() ? 1 : 0;  // grep finding nothing exits 1
+        else if (!linuxanswers::answerShell(command, output, status))
             return PosixSystem::popen(command, mode);
         FILE* stream = streamOver(output);
         if (stream) {
             std::lock_guard<std::mutex> hold(m_lock);
-            m_answered[stream] = output.empty() ? 1 : 0;  // grep finding nothing exits 1
+            m_answered[stream] = status;
         }
         return stream;
     }

@@ -9,6 +9,7 @@
 namespace {
 
 using namespace sys::linuxanswers;
+using testsupport::ScopedEnv;
 using testsupport::TempDir;
 
 TEST(LinuxAnswers, SystemFilesFromLinuxSettings)
@@ -77,6 +78,33 @@ TEST(LinuxAnswers, DeviceTreeAndKeyboard)
     ASSERT_TRUE(answerRun({"kbd", "-t", "-l"}, root.path(), lines, status));
     EXPECT_EQ(status, 1);  // as kbd on a machine without a keyboard
     EXPECT_TRUE(lines.empty());
+}
+
+TEST(LinuxAnswers, ZoneQueriesAnsweredWithoutAShell)
+{
+    std::string output = "stale";
+    int status = -1;
+    {
+        TempDir empty;
+        ScopedEnv path("PATH", empty.path().c_str());
+        ASSERT_TRUE(answerShell("zonename 2>/dev/null", output, status));
+        EXPECT_EQ(output, "");
+        EXPECT_EQ(status, 127);  // as the shell says of a missing program
+    }
+    {
+        TempDir bin;  // a zonename program on the PATH runs
+        bin.script("zonename", "echo global\n");
+        ScopedEnv path("PATH", bin.path().c_str());
+        EXPECT_FALSE(answerShell("zonename 2>/dev/null", output, status));
+    }
+    for (const char* column : {"zone", "zoneid"}) {
+        const std::string query = std::string("LANG=C; ps -o ") + column +
+                                  " -p 4242 2>/dev/null | sed '2q;d' 2>/dev/null";
+        ASSERT_TRUE(answerShell(query, output, status)) << query;
+        EXPECT_EQ(output, "");
+        EXPECT_EQ(status, 0);
+    }
+    EXPECT_FALSE(answerShell("LANG=C; ps -o zone -p 42; rm -rf / | sed '2q;d'", output, status));
 }
 
 }  // namespace
