@@ -78,13 +78,11 @@ fuzz:
 	  -DINVSCAN_FUZZ=ON -DINVSCAN_TESTS=OFF -DINVSCAN_BENCH=OFF -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
 	@$(call BUILD,build-fuzz)
 
-# Runs every fuzz target for FUZZ_TIME seconds each, one after the other.
-FUZZ_TIME ?= 300
+# Runs every fuzz target until FUZZ_RUNS executions or FUZZ_TIME seconds.
+FUZZ_RUNS ?= 10000000
+FUZZ_TIME ?= 7200
 fuzz-run: fuzz
-	@for f in build-fuzz/bin/fuzz_*; do \
-	  mkdir -p build-fuzz/corpus/$$(basename $$f); \
-	  $$f -max_total_time=$(FUZZ_TIME) -print_final_stats=1 build-fuzz/corpus/$$(basename $$f) || exit 1; \
-	done
+	@scripts/fuzz-run.sh $(FUZZ_RUNS) $(FUZZ_TIME)
 
 clean:
 	rm -rf build build32 build-san build-fuzz

@@ -176,7 +176,7 @@ float VtNode::getValueF(const char* path, const char* valueName, float def) cons
 // ---- reading lines ------------------------------------------------------------
 
 VtILineStream::VtILineStream(VtIStream* source)
-    : m_source(source), m_buffer(new char[BUFFER_SIZE + 1])
+    : m_source(source), m_buffer(new char[FIRST_SIZE + 1])
 {
 }
 
@@ -203,9 +203,17 @@ char* VtILineStream::nextLine()
         m_pos = 0;
         b[m_fill] = '\0';
         while (!m_eof) {
+            if (m_fill == m_capacity && m_capacity < BUFFER_SIZE) {
+                const int grown = m_capacity * 2 < BUFFER_SIZE ? m_capacity * 2 : BUFFER_SIZE;
+                std::unique_ptr<char[]> larger(new char[static_cast<size_t>(grown) + 1]);
+                std::memcpy(larger.get(), b, static_cast<size_t>(m_fill));
+                m_buffer = std::move(larger);
+                m_capacity = grown;
+                b = m_buffer.get();
+            }
             // A full buffer asks for 0 bytes, which ends the stream: the
             // buffered bytes then come back as one last line.
-            int n = m_source ? m_source->read(b + m_fill, static_cast<unsigned>(BUFFER_SIZE - m_fill)) : 0;
+            int n = m_source ? m_source->read(b + m_fill, static_cast<unsigned>(m_capacity - m_fill)) : 0;
             if (n <= 0) {  // a read error counts as the end of input
                 m_eof = true;
                 n = 0;

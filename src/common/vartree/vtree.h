@@ -71,9 +71,12 @@ unsigned char* vtBufDup(const unsigned char* bytes, unsigned int size);
 
 // Buffered line splitter. Lines end at a line feed; every carriage return is
 // cut out (and cuts its line); a line longer than the buffer ends the stream.
+// The buffer starts small and grows to BUFFER_SIZE only for long lines: most
+// dumps are a few kilobytes, read in a long-lived host.
 class VtILineStream {
 public:
     static constexpr int BUFFER_SIZE = 409600;
+    static constexpr int FIRST_SIZE = 16384;
     explicit VtILineStream(VtIStream* source);
     // Next line into dst (at most len - 1 bytes kept); null at the end.
     char* getline(char* dst, unsigned int len, int timeout = -1);
@@ -86,6 +89,7 @@ private:
     VtIStream* m_source;
     bool m_eof = false;
     std::unique_ptr<char[]> m_buffer;
+    int m_capacity = FIRST_SIZE;  // bytes the buffer holds, besides a terminator
     int m_pos = 0;
     int m_fill = 0;
 };
