@@ -12,8 +12,11 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
-    // The factory reads a file: one a process, removed at its end.
-    static const std::string path = "/tmp/fuzz_hwconfig." + std::to_string(getpid()) + ".xml";
+    // The factory reads a file: one a process, in memory where there is a
+    // memory file system (a disk's writes would be most of the time), removed
+    // at its end.
+    static const std::string path = std::string(access("/dev/shm", W_OK) == 0 ? "/dev/shm" : "/tmp") +
+                                    "/fuzz_hwconfig." + std::to_string(getpid()) + ".xml";
     static const bool cleaned = std::atexit([] { unlink(path.c_str()); }) == 0;
     (void)cleaned;
     if (std::FILE* out = std::fopen(path.c_str(), "wb")) {
