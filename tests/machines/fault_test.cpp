@@ -4,7 +4,6 @@
 // scans without a crash, a leak of memory, descriptor, pipe, library or
 // kernel statistics handle, and with each probe run at most once.
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -27,8 +26,9 @@ struct Fault {
     const char* name;
     const char* machine;  // the folder under tests/machines it starts from
     // Edits of its machine.txt, in order: "-PREFIX" drops every entry whose
-    // line starts so (with its "> " lines), "+LINE" adds one, "s/RE/TEXT/"
-    // rewrites lines.
+    // line starts so (with its "> " lines), "+LINES" adds lines, "s/RE/TEXT/"
+    // rewrites each line (RE holds no '/'; a line feed in TEXT adds a line
+    // after the one rewritten).
     std::vector<std::string> edits;
     const char* group;
     // "no table", "rows N", or a line the group's table must hold.
@@ -111,10 +111,10 @@ size_t rowCount(const std::string& section)
 bool holdsLine(const std::string& section, const std::string& wanted)
 {
     std::istringstream in(section);
-    for (std::string line; std::getline(in, line);)
-        if (line.substr(line.find_first_not_of(' ') == std::string::npos ? line.size() : line.find_first_not_of(' ')) ==
-            wanted)
-            return true;
+    for (std::string line; std::getline(in, line);) {
+        const size_t start = line.find_first_not_of(' ');
+        if (start != std::string::npos && line.compare(start, std::string::npos, wanted) == 0) return true;
+    }
     return false;
 }
 
