@@ -18,19 +18,14 @@ set(INVSCAN_HOME_DIR "lib/invscan" CACHE STRING
 set(INVSCAN_CONFIG_DIR "" CACHE STRING
     "An absolute folder for NimHWConfig.xml (as /etc/invscan); empty keeps it in <home>/config")
 
-# Programs in <home>/bin and libraries in <libdir> find each other by a
-# relative run path, so the installed tree may move; none where the library
-# folder is the system's own. The build tree's programs carry the same path
-# with the build's own entry added, so installing edits nothing: CMake's edit
-# in place would leave the build's path ending in an empty entry to make room,
-# which the loader takes for the current folder (a test checks).
-file(RELATIVE_PATH _bin_to_lib "/${INVSCAN_HOME_DIR}/bin" "/${CMAKE_INSTALL_LIBDIR}")
-file(RELATIVE_PATH _build_bin_to_lib "${CMAKE_RUNTIME_OUTPUT_DIRECTORY}" "${CMAKE_LIBRARY_OUTPUT_DIRECTORY}")
-string(REGEX REPLACE "/$" "" _bin_to_lib "${_bin_to_lib}")
+# The libraries find each other by a relative run path, so the installed
+# tree may move; none where the library folder is the system's own. Set at
+# build time, so installing edits nothing: CMake's edit in place would leave
+# the build's path ending in an empty entry to make room, which the loader
+# takes for the current folder (a test checks). The programs link all of ours
+# statically and need no run path.
 list(FIND CMAKE_PLATFORM_IMPLICIT_LINK_DIRECTORIES "${CMAKE_INSTALL_FULL_LIBDIR}" _system_libdir)
 if(_system_libdir EQUAL -1)
-  set_target_properties(invscan-cli cpuid diskscan PROPERTIES BUILD_WITH_INSTALL_RPATH ON
-                        INSTALL_RPATH "$ORIGIN/${_build_bin_to_lib};$ORIGIN/${_bin_to_lib}")
   set_target_properties(invsys nimfw invscan PROPERTIES BUILD_WITH_INSTALL_RPATH ON INSTALL_RPATH "$ORIGIN")
 endif()
 
