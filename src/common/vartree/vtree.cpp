@@ -24,11 +24,35 @@
 
 // ---- ownership --------------------------------------------------------------
 
+namespace {
+char* tailOf(void* block, size_t size) { return static_cast<char*>(block) + size; }
+}  // namespace
+
+VtVariant* VtVariant::makeInline(const char* text0, size_t nameLength, const char* text, size_t textLength)
+{
+    const size_t tail = nameLength + 1 + (text ? textLength + 1 : 0);
+    auto* v = ::new (::operator new(sizeof(VtVariant) + tail)) VtVariant;
+    v->name = tailOf(v, sizeof(VtVariant));
+    std::memcpy(v->name, text0, nameLength);
+    v->name[nameLength] = '\0';
+    if (text) {
+        v->type = VT_STRING;
+        v->inlineText = static_cast<unsigned int>(nameLength + 1);
+        v->value.s = v->name + v->inlineText;
+        std::memcpy(v->value.s, text, textLength);
+        v->value.s[textLength] = '\0';
+    }
+    return v;
+}
+
 VtVariant::~VtVariant()
 {
-    delete[] name;
+    char* tail = tailOf(this, sizeof(VtVariant));
+    if (name != tail) delete[] name;
     switch (type) {
-    case VT_STRING: delete[] value.s; break;
+    case VT_STRING:
+        if (!inlineText || value.s != tail + inlineText) delete[] value.s;
+        break;
     case VT_WSTRING: delete[] value.u; break;
     case VT_DATA: delete[] value.d.bytes; break;
     default: break;
@@ -46,9 +70,18 @@ void freeValues(VtVariant* v)
 }
 }  // namespace
 
+VtNode* VtNode::makeInline(const char* text, size_t nameLength)
+{
+    auto* node = ::new (::operator new(sizeof(VtNode) + nameLength + 1)) VtNode;
+    node->name = tailOf(node, sizeof(VtNode));
+    std::memcpy(node->name, text, nameLength);
+    node->name[nameLength] = '\0';
+    return node;
+}
+
 VtNode::~VtNode()
 {
-    delete[] name;
+    if (name != tailOf(this, sizeof(VtNode))) delete[] name;
     freeValues(values);
     // Siblings are freed in a loop, so a long child list costs no stack; the
     // depth of recursion is the nesting depth, which the parser bounds.
@@ -188,7 +221,11 @@ char* VtILineStream::get_next_line()
     if (!end) return nullptr;
     *end = '\0';
     // A carriage return cuts its line: the text after it is not kept.
-    if (char* cr = static_cast<char*>(std::memchr(start, '\r', static_cast<size_t>(end - start)))) *cr = '\0';
+    m_lastLength = static_cast<size_t>(end - start);
+    if (char* cr = static_cast<char*>(std::memchr(start, '\r', m_lastLength))) {
+        *cr = '\0';
+        m_lastLength = static_cast<size_t>(cr - start);
+    }
     m_pos = static_cast<int>(end - b) + 1;
     return start;
 }
@@ -226,6 +263,7 @@ char* VtILineStream::nextLine()
             b[m_fill] = '\0';
             for (int i = 0; i < m_fill; ++i)
                 if (b[i] == '\r') b[i] = '\0';
+            m_lastLength = std::strlen(b);
             line = b;
             m_pos = m_fill = 0;
         }
@@ -323,15 +361,6 @@ void appendChild(OpenNode& open, VtNode* n)
     open.lastChild = n;
 }
 
-// Copies the first `n` bytes of `text` as a new NUL-terminated string.
-char* dupPrefix(const char* text, size_t n)
-{
-    char* copy = new char[n + 1];
-    std::memcpy(copy, text, n);
-    copy[n] = '\0';
-    return copy;
-}
-
 int parseValueLine(const char* line, OpenNode& current)
 {
     const char* colon = std::strchr(line, ':');
@@ -339,35 +368,34 @@ int parseValueLine(const char* line, OpenNode& current)
     if (!colon || !equals || equals != colon + 2) return VT_ERR_VALUE_SYNTAX;
     const char kind = colon[1];
     const char* text = equals + 1;
+    const auto nameLength = static_cast<size_t>(colon - line);
 
-    auto* v = new VtVariant;
+    VtVariant* v;
     switch (kind) {
     case 'i':
+        v = VtVariant::makeInline(line, nameLength, nullptr, 0);
         v->type = VT_INT;
         // Digits end before any line end or foreign byte: no cut needed.
         v->value.i = static_cast<int>(std::strtol(text, nullptr, 10));
         break;
     case 'f': {
-        v->type = VT_FLOAT;
         double d = 0;
         const size_t n = cutLength(text);
         utils::charToDouble(text[n] ? std::string(text, n).c_str() : text, d);
+        v = VtVariant::makeInline(line, nameLength, nullptr, 0);
+        v->type = VT_FLOAT;
         v->value.f = d;
         break;
     }
-    case 's': {
-        v->type = VT_STRING;
-        v->value.s = dupPrefix(text, cutLength(text));
+    case 's':
+        v = VtVariant::makeInline(line, nameLength, text, cutLength(text));
         break;
-    }
     case 'd':
     case 'u': {
         unsigned char* bytes;
         unsigned int count;
-        if (parseHex(text, bytes, count) != 0) {
-            delete v;
-            return VT_ERR_HEX;
-        }
+        if (parseHex(text, bytes, count) != 0) return VT_ERR_HEX;
+        v = VtVariant::makeInline(line, nameLength, nullptr, 0);
         if (kind == 'd') {
             v->type = VT_DATA;
             v->value.d.bytes = bytes;
@@ -382,10 +410,8 @@ int parseValueLine(const char* line, OpenNode& current)
         break;
     }
     default:
-        delete v;
         return VT_ERR_VALUE_TYPE;
     }
-    v->name = dupPrefix(line, static_cast<size_t>(colon - line));
     appendValue(current, v);
     return VT_OK;
 }
@@ -405,7 +431,7 @@ int vtParseNodeDump(VtILineStream* in, VtNode* root)
     char* line;
     while (status == VT_OK && (line = in->nextLine()) != nullptr) {
         // Lines are read in place; a longer one keeps its first bytes only.
-        if (strnlen(line, kLineBuffer) == kLineBuffer) line[kLineBuffer - 1] = '\0';
+        if (in->lastLength() >= kLineBuffer) line[kLineBuffer - 1] = '\0';
         const char* p = line;
         while (*p == ' ' || *p == '\t' || (*p && std::isspace(static_cast<unsigned char>(*p)))) ++p;
         const char c = *p;
@@ -414,8 +440,7 @@ int vtParseNodeDump(VtILineStream* in, VtNode* root)
                 status = VT_ERR_TOO_DEEP;
                 break;
             }
-            auto* node = new VtNode;
-            node->name = dupPrefix(p + 1, std::strcspn(p + 1, "\r\n"));
+            VtNode* node = VtNode::makeInline(p + 1, std::strcspn(p + 1, "\r\n"));
             parents.push_back(current);
             current = OpenNode{node, nullptr, nullptr};
         } else if (c == ')') {

@@ -1,7 +1,9 @@
 #pragma once
 // The variable tree and its node-dump text format: named nodes carrying
 // named, typed values, as the probe programs print them.
+#include <cstddef>
 #include <memory>
+#include <new>
 #include <string>
 
 #include "common/vartree/VtStream.h"
@@ -20,14 +22,23 @@ enum {
 };
 constexpr int VT_MAX_DEPTH = 131;  // open parents the parser keeps
 
+// A parsed dump is mostly small values: the parser makes each value (and
+// each node) one allocation holding its name, and a string value its text,
+// just past the struct. Those are freed with it; a name or text put in
+// their place later is the caller's vtStrDup, freed as usual.
 struct VtVariant {
     VtVariant() = default;
     ~VtVariant();
     VtVariant(const VtVariant&) = delete;
     VtVariant& operator=(const VtVariant&) = delete;
+    // The name (and for VT_STRING the text) copied into the value's own block.
+    static VtVariant* makeInline(const char* name, size_t nameLength, const char* text, size_t textLength);
+    static void* operator new(size_t size) { return ::operator new(size); }
+    static void operator delete(void* block) { ::operator delete(block); }
 
     char* name = nullptr;
     int type = VT_INT;
+    unsigned int inlineText = 0;  // where past the struct an inline text starts; 0: none
     VtVariant* next = nullptr;
     union {
         int i;
@@ -46,6 +57,9 @@ struct VtNode {
     ~VtNode();  // frees values and children, iteratively along sibling lists
     VtNode(const VtNode&) = delete;
     VtNode& operator=(const VtNode&) = delete;
+    static VtNode* makeInline(const char* name, size_t nameLength);  // the name in the node's block
+    static void* operator new(size_t size) { return ::operator new(size); }
+    static void operator delete(void* block) { ::operator delete(block); }
 
     int addValue(VtVariant* v);
     int addChild(VtNode* n);
@@ -82,6 +96,7 @@ public:
     char* getline(char* dst, unsigned int len, int timeout = -1);
     // Next line in place, valid until the next call; null at the end.
     char* nextLine();
+    size_t lastLength() const { return m_lastLength; }  // of the line nextLine gave
 
 private:
     char* get_next_line();
@@ -92,6 +107,7 @@ private:
     int m_capacity = FIRST_SIZE;  // bytes the buffer holds, besides a terminator
     int m_pos = 0;
     int m_fill = 0;
+    size_t m_lastLength = 0;
 };
 
 // Building a tree, as the probes do: a new node the caller owns, and values
