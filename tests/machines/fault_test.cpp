@@ -292,7 +292,7 @@ TEST_P(FaultMatrix, GivesTheNeutralResultAndSaysWhy)
     else
         EXPECT_TRUE(holdsLine(section, result)) << result << " not in\n" << section;
     // What must never happen, whatever the fault.
-    for (const char* problem : {"TRACE MISSING", "LEAK:", "PROBE RUN", "UNTRACED SCAN DIFFERS", "CATALOGUE:"})
+    for (const char* problem : {"TRACE MISSING", "LEAK:", "PROBE RUN", "COMMAND RUN", "UNTRACED SCAN DIFFERS", "CATALOGUE:"})
         EXPECT_EQ(scan.find(problem), std::string::npos) << scan.substr(scan.find(problem));
 }
 

@@ -85,6 +85,10 @@ std::string scanMachine(const std::string& dir)
     };
     std::string out;
     scanGroups(out, true);
+    // A scan runs each command once, however many groups read its output.
+    for (const auto& command : os.runs)
+        if (command.second > 1)
+            out += "COMMAND RUN " + std::to_string(command.second) + " TIMES IN A SCAN: " + command.first + "\n";
     // Tracing changes no result: a second scan with tracing off gives the same tables.
     {
         trace::Capture quiet(trace::Level::Off);

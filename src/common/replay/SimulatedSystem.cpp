@@ -388,6 +388,7 @@ int SimulatedSystem::dlclose(void* handle)
 
 FILE* SimulatedSystem::popen(const char* command, const char* mode)
 {
+    ++runs[std::string("shell ") + (command ? command : "")];
     auto it = shells.find(command ? command : "");
     if (it == shells.end()) return missing<FILE*>(std::string("shell ") + (command ? command : ""), ENOENT, nullptr);
     if (it->second.fails || !mode || mode[0] != 'r') return failWith(ENOENT, nullptr);

@@ -112,7 +112,7 @@ public:
     std::map<std::string, Command> commands;
     std::map<std::string, Command> shells;
     int lastTimeout = -1;  // what the last runCommand was given
-    std::map<std::string, int> runs;  // how often each runCommand command line ran
+    std::map<std::string, int> runs;  // how often each command ran: runCommand's line, "shell " and popen's text
     pid_t pid = 4242;
     int openStreams() const { return static_cast<int>(m_streams.size()); }
 

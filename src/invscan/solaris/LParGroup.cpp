@@ -213,12 +213,12 @@ KorTable* LParGroup::getTable()
     if (!gatherLparChips(getCpuidVT(), chips)) return nullptr;
     LparZone zone;
     if (chips.allChipsRead) {  // the zone is read only for a row that reports it
-        const Zone z;
-        zone.inside = z.isInsideZone();
-        zone.global = z.isGlobalZone();
-        zone.kernel = z.isKernelZone();
-        zone.inPool = z.isInsidePool();
-        zone.info = z.getZoneInfo();
+        const std::shared_ptr<const Zone> z = scanZone();
+        zone.inside = z->isInsideZone();
+        zone.global = z->isGlobalZone();
+        zone.kernel = z->isKernelZone();
+        zone.inPool = z->isInsidePool();
+        zone.info = z->getZoneInfo();
     }
     auto* table = new KorTable(getGroupId(), getGroupVersion());
     shapeLparRow(chips, zone, smbiosSerial, *table);

@@ -8,7 +8,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <mutex>
 #include <sstream>
 
 #include "common/sys/System.h"
@@ -17,6 +16,7 @@
 #include "framework/Trace.h"
 #include "framework/ZPopen.h"
 #include "invscan/com/GroupRegistry.h"
+#include "invscan/com/ScanScoped.h"
 #include "invscan/solaris/SystemFacts.h"
 
 namespace network {
@@ -25,10 +25,6 @@ namespace {
 const char* const kSource = "./../../../src/invscan/solaris/NetworkFacts";
 const char* const kFunction = "gatherNetwork()";
 #define NET_TRACE(level, ...) CcLogWrapper::level(getCcLogHw(), __LINE__, kSource, kFunction, __VA_ARGS__)
-
-// Facts gathered longer ago than this are gathered again, for hosts that
-// never end a scan.
-const long kReuseSeconds = 60;
 
 unsigned char uc(char c) { return static_cast<unsigned char>(c); }
 
@@ -486,37 +482,19 @@ NetworkFacts gatherNetwork(sys::System& os)
 }
 
 namespace {
-struct Cache {
-    std::mutex lock;
-    std::shared_ptr<const NetworkFacts> facts;
-    const sys::System* from = nullptr;
-    long long takenAt = 0;
-};
-Cache& cache()
+ScanScoped<NetworkFacts>& cache()
 {
-    static Cache c;
+    static ScanScoped<NetworkFacts> c;
     return c;
 }
 }  // namespace
 
 std::shared_ptr<const NetworkFacts> scanNetwork(sys::System& os)
 {
-    Cache& c = cache();
-    std::lock_guard<std::mutex> hold(c.lock);
-    const long long now = static_cast<long long>(os.time());
-    if (c.facts && c.from == &os && now >= c.takenAt && now - c.takenAt < kReuseSeconds) return c.facts;
-    c.facts = std::make_shared<const NetworkFacts>(gatherNetwork(os));
-    c.from = &os;
-    c.takenAt = now;
-    return c.facts;
+    return cache().get(os, [&os] { return std::make_shared<const NetworkFacts>(gatherNetwork(os)); });
 }
 
-void forgetNetwork()
-{
-    Cache& c = cache();
-    std::lock_guard<std::mutex> hold(c.lock);
-    c.facts.reset();
-}
+void forgetNetwork() { cache().forget(); }
 
 INVSCAN_AT_SCAN_END(forgetNetwork);
 

@@ -41,7 +41,8 @@ VirtualMachineGroup::VirtualMachineGroup() : KorGroup(VIRTUAL_MACHINE_GROUP, 1) 
 KorTable* VirtualMachineGroup::getTable()
 {
     CcLogWrapper::traceMidEntry(getCcLogHw(), __LINE__, kSource, kFunction, "hardware %s", "VirtualMachineGroup");
-    const Zone zone;
+    const std::shared_ptr<const Zone> scanned = scanZone();
+    const Zone& zone = *scanned;
     KorTable* table = nullptr;
     if (!zone.isInsideZone())
         VM_TRACE("hardware %s", "no table: this machine has no zones");

@@ -12,6 +12,8 @@
 #include "framework/Trace.h"
 #include "framework/ZPopen.h"
 #include "framework/utils.h"
+#include "invscan/com/GroupRegistry.h"
+#include "invscan/com/ScanScoped.h"
 #include "invscan/solaris/ZoneLibraries.h"
 
 const char* const Zone::IDENTIFIER_NOT_SET = "-1";
@@ -117,6 +119,22 @@ void Zone::resetZoneInfo(ZoneInfo& info)
     info.sharedPoolType.clear();
     info.poolResourceName.clear();
     info.sharedPoolCapacity = CAPACITY_NOT_AVAILABLE;
+}
+
+namespace {
+ScanScoped<Zone>& scanZoneCache()
+{
+    static ScanScoped<Zone> zone;
+    return zone;
+}
+void forgetZone() { scanZoneCache().forget(); }
+}  // namespace
+
+INVSCAN_AT_SCAN_END(forgetZone);
+
+std::shared_ptr<const Zone> scanZone()
+{
+    return scanZoneCache().get(sys::current(), [] { return std::make_shared<const Zone>(); });
 }
 
 Zone::Zone()
@@ -294,6 +312,8 @@ bool Zone::getMatchedCommandOutput(const std::string& command, const std::string
 
 bool Zone::getZonePropertyValue(const std::string& property, const std::string& zoneName, std::string& out)
 {
+    // A zoneadm line without a name names no zone: zonecfg would only refuse.
+    if (zoneName.empty()) return false;
     return getMatchedCommandOutput("zonecfg", "-z " + zoneName + " info " + property,
                                    property + ":[[:space:]]+([^[:space:]]*)", out);
 }
@@ -470,6 +490,8 @@ int Zone::readChildZonesInfo()
             else
                 ZONE_TRACE(traceMAX, fn, "could not match zone %s in '%s'", what[f], line.c_str());
         }
+        // Neither the global zone nor this one is a child: nothing more is asked of them.
+        if (zone.name == ZONE_NAMES_GLOBAL_ZONE || zone.name == m_info.name) continue;
         getZonePropertyValue(ZONECFG_INFO_PROPNAME_BRAND, zone.name, zone.type);
         setTypeDisplayed(zone);
         if (zone.typeDisplayed == ZONE_TYPE_KERNEL_ZONE) {
@@ -491,7 +513,6 @@ int Zone::readChildZonesInfo()
                 result = r;
             }
         }
-        if (zone.name == ZONE_NAMES_GLOBAL_ZONE || zone.name == m_info.name) continue;
         traceZone(fn, "a guest zone", zone);
         m_children.push_back(zone);
     }

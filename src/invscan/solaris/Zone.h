@@ -4,6 +4,7 @@
 // constructor, from zonename/ps/zoneadm/zonecfg/poolbind, the
 // virtualization-environment and resource-pool libraries, and the processor
 // set calls; whatever cannot be read keeps its reset value.
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -83,3 +84,7 @@ private:
     std::vector<ZoneInfo> m_children;
     bool m_insideZone = false;
 };
+
+// The zone facts of this scan: read by the first of the capacity and the
+// virtual machine groups that asks, shared by the other.
+std::shared_ptr<const Zone> scanZone();
