@@ -7,7 +7,6 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cmath>
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
@@ -71,7 +70,9 @@ std::map<int, int> clocksFromCpuinfo()
         } else if (key == "cpu MHz" && current >= 0) {
             // The probe never leaves the C locale, so the decimal point is ".".
             double mhz = std::strtod(value, nullptr);
-            clocks[current] = static_cast<int>(std::lround(mhz));
+            // Rounded to the nearest MHz (a clock is never negative; the
+            // probe links no maths library).
+            clocks[current] = mhz > 0 && mhz < 1e9 ? static_cast<int>(mhz + 0.5) : 0;
         }
     }
     return clocks;
