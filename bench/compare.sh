@@ -4,8 +4,6 @@
 # that turns from round to round, and the table gives the medians and each
 # tool's ratio to invscan.
 #   bench/compare.sh [ROUNDS]      (default 7; needs a built build/bin/invscan)
-# Wall and CPU time and peak resident memory come from GNU time; the
-# processes each tool starts are counted in one more run under strace.
 # lshw, hwinfo, facter, strace and GNU time are installed from Debian when
 # missing.
 set -euo pipefail
@@ -30,14 +28,7 @@ commands=("$invscan scan --format json" "lshw -json" "hwinfo" "facter")
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 
-for ((r = 0; r < rounds; r++)); do
-  for ((k = 0; k < ${#names[@]}; k++)); do
-    i=$(( (k + r) % ${#names[@]} ))
-    # %e wall s, %U user s, %S system s, %M peak resident KiB
-    /usr/bin/time -f "${names[$i]} %e %U %S %M" -a -o "$work/times" \
-      bash -c "exec ${commands[$i]}" >/dev/null 2>&1 || true
-  done
-done
+# The processes each tool starts, counted in one run under strace.
 for ((i = 0; i < ${#names[@]}; i++)); do
   strace -f -qq -e trace=execve -o "$work/strace" bash -c "exec ${commands[$i]}" >/dev/null 2>&1 || true
   # The first two execs are bash's and the tool's own: not processes it starts.
@@ -48,26 +39,36 @@ for ((i = 0; i < ${#names[@]}; i++)); do
   fi
 done
 
-python3 - "$work/times" "$work/spawns" "$rounds" <<'EOF'
-import statistics, sys
-times, spawns, rounds = sys.argv[1], sys.argv[2], sys.argv[3]
-rows = {}
-for line in open(times):
-    parts = line.split()
-    if len(parts) != 5 or parts[0] not in ("invscan", "lshw", "hwinfo", "facter"):
-        continue  # GNU time's own notes ("Command exited with non-zero status")
-    name, wall, user, system, rss = parts
-    rows.setdefault(name, []).append((float(wall), float(user) + float(system), int(rss)))
+# Wall and CPU time (the tool's and its children's) of a run started from
+# here, to the microsecond; peak resident memory from GNU time in a second
+# run, as the kernel counts a process's peak from before its exec: started
+# from this script's Python it would read the Python's.
+python3 - "$work/spawns" "$rounds" "${names[@]}" -- "${commands[@]}" <<'EOF'
+import os, shlex, statistics, subprocess, sys, time
+spawns, rounds = sys.argv[1], int(sys.argv[2])
+peak = os.path.join(os.path.dirname(spawns), "peak")
+cut = sys.argv.index("--")
+names, commands = sys.argv[3:cut], [shlex.split(c) for c in sys.argv[cut + 1:]]
+rows = {n: [] for n in names}
+for r in range(rounds):
+    for k in range(len(names)):
+        i = (k + r) % len(names)
+        start = time.perf_counter()
+        child = subprocess.Popen(commands[i], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        _, _, usage = os.wait4(child.pid, 0)
+        wall = time.perf_counter() - start
+        subprocess.run(["/usr/bin/time", "-f", "%M", "-o", peak, *commands[i]],
+                       stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        rss = int(open(peak).read().split()[-1])
+        rows[names[i]].append((wall * 1000, (usage.ru_utime + usage.ru_stime) * 1000, rss))
 spawned = dict(line.split() for line in open(spawns))
-base = {k: statistics.median(v[k] for v in rows["invscan"]) for k in range(3)}
-print(f"{rounds} paired rounds; medians, and the ratio to invscan")
-print(f"{'tool':8} {'wall s':>8} {'x':>6} {'cpu s':>8} {'x':>6} {'peak KiB':>9} {'x':>6} {'spawns':>7}")
-for name in ("invscan", "lshw", "hwinfo", "facter"):
-    if name not in rows:
-        print(f"{name:8} did not run"); continue
+base = [statistics.median(v[k] for v in rows[names[0]]) for k in range(3)]
+print(f"{rounds} paired rounds; medians, and each tool's ratio to {names[0]}")
+print(f"{'tool':8} {'wall ms':>8} {'x':>6} {'cpu ms':>8} {'x':>6} {'peak KiB':>9} {'x':>6} {'spawns':>7}")
+for name in names:
     m = [statistics.median(v[k] for v in rows[name]) for k in range(3)]
     r = [m[k] / base[k] if base[k] else float("nan") for k in range(3)]
-    print(f"{name:8} {m[0]:8.3f} {r[0]:6.1f} {m[1]:8.3f} {r[1]:6.1f} {m[2]:9d} {r[2]:6.1f} {spawned.get(name, '?'):>7}")
+    print(f"{name:8} {m[0]:8.1f} {r[0]:6.1f} {m[1]:8.1f} {r[1]:6.1f} {m[2]:9.0f} {r[2]:6.1f} {spawned.get(name, '?'):>7}")
 EOF
 echo "programs invscan started (count, path):"
 cat "$work/invscan-spawns"

@@ -15,7 +15,7 @@ bool forEachSystemFileLine(sys::System& os, const char* path, const std::functio
     const int fd = os.open(path, O_RDONLY);
     if (fd < 0) return false;
     std::vector<char> buffer(64 * 1024);
-    std::string pending;
+    std::string pending, text;  // one line's buffer for every line: a long file is no stream of allocations
     size_t total = 0;
     bool going = true;
     while (going && total < limit) {
@@ -28,7 +28,8 @@ bool forEachSystemFileLine(sys::System& os, const char* path, const std::functio
         while (going && (end = pending.find('\n', start)) != std::string::npos) {
             size_t stop = end;
             if (stop > start && pending[stop - 1] == '\r') --stop;
-            going = line(pending.substr(start, stop - start));
+            text.assign(pending, start, stop - start);
+            going = line(text);
             start = end + 1;
         }
         pending.erase(0, start);

@@ -52,13 +52,19 @@ bool wantedDevice(const std::vector<PciFunction>& wanted, long vendor, long devi
     return false;
 }
 
-// "8086  Intel Corporation": a 4-digit id, two blanks, the name.
-bool idAndName(const std::string& text, long& id, std::string& name)
+// The 4-digit id that starts "8086  Intel Corporation", or -1.
+long leadingId(const std::string& text, size_t at)
 {
-    if (text.size() < 7 || text[4] != ' ') return false;
-    id = hexWord(text.substr(0, 4));
-    name = trimmed(text.substr(5));
-    return id >= 0 && !name.empty();
+    if (text.size() < at + 7 || text[at + 4] != ' ') return -1;
+    long id = 0;
+    for (size_t i = at; i < at + 4; ++i) {
+        const char c = text[i];
+        const int digit = c >= '0' && c <= '9' ? c - '0' : c >= 'a' && c <= 'f' ? c - 'a' + 10
+                          : c >= 'A' && c <= 'F' ? c - 'A' + 10 : -1;
+        if (digit < 0) return -1;
+        id = id * 16 + digit;
+    }
+    return id;
 }
 
 }  // namespace
@@ -97,14 +103,17 @@ bool readPciIdsLine(const std::string& line, const std::vector<PciFunction>& wan
 {
     if (line.empty() || line[0] == '#') return true;
     if (line[0] == 'C' && line.size() > 1 && line[1] == ' ') return false;  // the class list: no more devices
-    long id;
-    std::string name;
+    // Most of the file is of vendors and devices nobody asked for: only a
+    // wanted one's name is cut out.
     if (line[0] != '\t') {
-        vendor = idAndName(line, id, name) && wantedVendor(wanted, id) ? id : -1;
+        const long id = leadingId(line, 0);
+        const std::string name = id >= 0 && wantedVendor(wanted, id) ? trimmed(line.substr(5)) : "";
+        vendor = name.empty() ? -1 : id;
         if (vendor >= 0) names.vendors[vendor] = name;
-    } else if (vendor >= 0 && line.size() > 1 && line[1] != '\t' && idAndName(line.substr(1), id, name) &&
-               wantedDevice(wanted, vendor, id)) {
-        names.devices[{vendor, id}] = name;
+    } else if (vendor >= 0 && line.size() > 1 && line[1] != '\t') {
+        const long id = leadingId(line, 1);
+        const std::string name = id >= 0 && wantedDevice(wanted, vendor, id) ? trimmed(line.substr(6)) : "";
+        if (!name.empty()) names.devices[{vendor, id}] = name;
     }
     return true;
 }
