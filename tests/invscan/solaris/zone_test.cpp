@@ -128,26 +128,6 @@ TEST(ZoneLibraries, EveryPoolFaultHasItsResultAndLeavesTheCapacityUnknown)
                [](Zone& z, Zone::ZoneInfo& i) { return z.readPoolInfo(i); }, unnamed);
 }
 
-TEST(ZoneOnThisMachine, RepeatedScansFindNoZonesAndLeaveNothingBehind)
-{
-    sys::setCurrent(nullptr);
-    const int descriptors = testsupport::openDescriptorCount();
-    trace::Capture capture;
-    for (int i = 0; i < 5; ++i) {
-        std::unique_ptr<KorGroup> group(GroupFactory::getInstance()->getGroup("VirtualMachine"));
-        ASSERT_NE(group, nullptr);
-        EXPECT_EQ(group->getTable(), nullptr);
-    }
-    EXPECT_TRUE(capture.contains("zones NOT detected (insideZone = false)"));
-    EXPECT_TRUE(capture.contains("no table: this machine has no zones"));
-    EXPECT_EQ(testsupport::openDescriptorCount(), descriptors);
-    EXPECT_FALSE(testsupport::hasZombieChild());
-}
-
-}  // namespace
-
-namespace {
-
 // Packages and cores as the kernel's topology counts them.
 std::pair<int, int> sysfsTopology()
 {
