@@ -5,6 +5,8 @@
 #include <charconv>
 #include <cstdint>
 #include <cstring>
+#include <map>
+#include <mutex>
 #include <sstream>
 #include <locale>
 
@@ -127,17 +129,47 @@ std::wstring toLower(const std::wstring& text)
     return out;
 }
 
+namespace {
+// Compiled patterns by their text: the zone reader matches the same few
+// against every zone's zonecfg output, and compiling is most of a match.
+class CompiledPatterns {
+public:
+    ~CompiledPatterns() { clear(); }
+    // Null when the pattern does not compile. Used under the lock.
+    const regex_t* find(const std::string& pattern)
+    {
+        auto it = m_compiled.find(pattern);
+        if (it != m_compiled.end()) return &it->second;
+        if (m_compiled.size() >= kKept) clear();  // patterns made from input cannot pile up
+        regex_t re;
+        if (regcomp(&re, pattern.c_str(), REG_EXTENDED) != 0) return nullptr;
+        return &m_compiled.emplace(pattern, re).first->second;
+    }
+    std::mutex lock;
+
+private:
+    static constexpr size_t kKept = 16;
+    void clear()
+    {
+        for (auto& compiled : m_compiled) regfree(&compiled.second);
+        m_compiled.clear();
+    }
+    std::map<std::string, regex_t> m_compiled;
+};
+}  // namespace
+
 bool regexMatch(const std::string& text, const std::string& pattern, std::string& firstGroup)
 {
     firstGroup.clear();
-    regex_t re;
-    if (regcomp(&re, pattern.c_str(), REG_EXTENDED) != 0) return false;
+    static CompiledPatterns patterns;
+    std::lock_guard<std::mutex> hold(patterns.lock);
+    const regex_t* re = patterns.find(pattern);
+    if (!re) return false;
     regmatch_t groups[2];
-    const bool matched = regexec(&re, text.c_str(), 2, groups, 0) == 0;
-    if (matched && re.re_nsub >= 1 && groups[1].rm_so >= 0)
+    const bool matched = regexec(re, text.c_str(), 2, groups, 0) == 0;
+    if (matched && re->re_nsub >= 1 && groups[1].rm_so >= 0)
         firstGroup = text.substr(static_cast<size_t>(groups[1].rm_so),
                                  static_cast<size_t>(groups[1].rm_eo - groups[1].rm_so));
-    regfree(&re);
     return matched;
 }
 

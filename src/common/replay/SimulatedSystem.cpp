@@ -392,12 +392,14 @@ FILE* SimulatedSystem::popen(const char* command, const char* mode)
     auto it = shells.find(command ? command : "");
     if (it == shells.end()) return missing<FILE*>(std::string("shell ") + (command ? command : ""), ENOENT, nullptr);
     if (it->second.fails || !mode || mode[0] != 'r') return failWith(ENOENT, nullptr);
-    // A real stream over a temporary file: fgets and fclose work on it.
-    FILE* f = std::tmpfile();
+    // A real stream over the output in memory (fgets and fclose work on
+    // it): a temporary file would cost the disk a write at every command.
+    const std::string& output = it->second.output;
+    std::unique_ptr<char[]> text(new char[output.size() + 1]);
+    std::memcpy(text.get(), output.data(), output.size());
+    FILE* f = output.empty() ? std::fopen("/dev/null", "r") : fmemopen(text.get(), output.size(), "r");
     if (!f) return nullptr;
-    std::fwrite(it->second.output.data(), 1, it->second.output.size(), f);
-    std::rewind(f);
-    m_streams[f] = it->second.status;
+    m_streams[f] = Stream{it->second.status, std::move(text)};
     return f;
 }
 
@@ -405,7 +407,7 @@ int SimulatedSystem::pclose(FILE* stream)
 {
     auto it = m_streams.find(stream);
     if (it == m_streams.end()) return failWith(ECHILD, -1);
-    const int status = it->second;
+    const int status = it->second.status;
     std::fclose(stream);
     m_streams.erase(it);
     return status << 8;  // as wait(2) encodes an exit status

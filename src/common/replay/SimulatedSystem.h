@@ -8,6 +8,7 @@
 #include <deque>
 #include <functional>
 #include <map>
+#include <memory>
 #include <set>
 #include <string>
 #include <vector>
@@ -216,7 +217,11 @@ private:
     int m_openKstat = 0;
     int m_openDirs = 0;
     int m_openLibraries = 0;
-    std::map<FILE*, int> m_streams;  // stream -> status pclose reports
+    struct Stream {
+        int status;                  // what pclose reports
+        std::unique_ptr<char[]> text;  // what the stream reads, kept while it is open
+    };
+    std::map<FILE*, Stream> m_streams;
 };
 
 // The fake libv12n or libpool function of that name, or null; it answers
