@@ -69,6 +69,13 @@ for name in names:
     m = [statistics.median(v[k] for v in rows[name]) for k in range(3)]
     r = [m[k] / base[k] if base[k] else float("nan") for k in range(3)]
     print(f"{name:8} {m[0]:8.1f} {r[0]:6.1f} {m[1]:8.1f} {r[1]:6.1f} {m[2]:9.0f} {r[2]:6.1f} {spawned.get(name, '?'):>7}")
+# The aims: a fifth of lshw's wall time, a twentieth of facter's, 4.5 MiB.
+wall = {n: statistics.median(v[0] for v in rows[n]) for n in names}
+aims = [("wall time at most 1/5 of lshw's", wall["lshw"] / wall[names[0]] >= 5),
+        ("wall time at most 1/20 of facter's", wall["facter"] / wall[names[0]] >= 20),
+        ("peak memory at most 4608 KiB", base[2] <= 4608)]
+for text, met in aims:
+    print(f"{names[0]} {text}: {'met' if met else 'MISSED'}")
 EOF
 echo "programs invscan started (count, path):"
 cat "$work/invscan-spawns"
