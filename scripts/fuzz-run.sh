@@ -40,6 +40,44 @@ options() {
   esac
 }
 
+# The register dumps of ../shared/fixtures/cpuid (AIDA64's "CPUID leaf:
+# a-b-c-d" lines under "Logical CPU #n", or cpuid -r's "CPU n:" and
+# "leaf subleaf: eax=..." lines) as fuzz_cpuid_decode reads its input: a
+# byte of firmware length (none), then 19-byte records of processor, leaf
+# selector, subleaf and the four registers.
+cpuid_seeds() {
+  python3 - "$1" $fixtures/cpuid/*CPUID*.txt $fixtures/cpuid/*cpuid-r*.txt <<'EOF'
+import os, re, struct, sys
+leaves = [0x0, 0x1, 0x2, 0x4, 0x7, 0xB, 0x1F, 0x40000000, 0x40000001, 0x80000000, 0x80000001, 0x80000002,
+          0x80000003, 0x80000004, 0x80000006, 0x80000008, 0x8000001E]
+def selector(leaf):
+    if leaf in leaves: return leaves.index(leaf)
+    return (0x80 if leaf & 0x80000000 else 0) | (leaf & 0x3F)
+corpus = sys.argv[1]
+for path in sys.argv[2:]:
+    if not os.path.isfile(path): continue
+    records, cpu, seen = [], -1, {}
+    for line in open(path, errors="replace"):
+        body = line.strip()
+        if ("Logical CPU #" in body and "MSR" not in body) or re.match(r"CPU \d+:$", body):
+            cpu, seen = cpu + 1, {}
+            continue
+        aida = re.match(r"CPUID ([0-9A-Fa-f]{8}): ([0-9A-Fa-f]{8})-([0-9A-Fa-f]{8})-([0-9A-Fa-f]{8})-([0-9A-Fa-f]{8})", body)
+        raw = re.match(r"0x([0-9a-f]{8}) 0x([0-9a-f]{2}): eax=0x([0-9a-f]{8}) ebx=0x([0-9a-f]{8}) ecx=0x([0-9a-f]{8}) edx=0x([0-9a-f]{8})", body)
+        if cpu < 0 or not (aida or raw): continue
+        if aida:
+            leaf = int(aida.group(1), 16); sub = seen.get(leaf, 0); seen[leaf] = sub + 1
+            regs = [int(aida.group(i), 16) for i in range(2, 6)]
+        else:
+            leaf, sub = int(raw.group(1), 16), int(raw.group(2), 16)
+            regs = [int(raw.group(i), 16) for i in range(3, 7)]
+        records.append(struct.pack("<BBB4I", cpu & 7, selector(leaf), sub & 0xFF, *regs))
+    if records:
+        with open(os.path.join(corpus, "seed-" + os.path.basename(path)), "wb") as out:
+            out.write(b"\0" + b"".join(records))
+EOF
+}
+
 printf '%-24s %12s %8s %8s\n' target executions seconds corpus
 for t in "${targets[@]}"; do
   corpus=build-fuzz/corpus/$t
@@ -47,6 +85,7 @@ for t in "${targets[@]}"; do
   for f in $(seeds "$t"); do
     [ -f "$f" ] && cp -n "$f" "$corpus/seed-$(basename "$f")" 2>/dev/null || true
   done
+  [ "$t" != fuzz_cpuid_decode ] || [ ! -d "$fixtures/cpuid" ] || cpuid_seeds "$corpus"
   log=build-fuzz/$t.log
   start=$(date +%s)
   # shellcheck disable=SC2046
