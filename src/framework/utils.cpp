@@ -141,9 +141,11 @@ public:
         auto it = m_compiled.find(pattern);
         if (it != m_compiled.end()) return &it->second;
         if (m_compiled.size() >= kKept) clear();  // patterns made from input cannot pile up
-        regex_t re;
-        if (regcomp(&re, pattern.c_str(), REG_EXTENDED) != 0) return nullptr;
-        return &m_compiled.emplace(pattern, re).first->second;
+        // Compiled in place: a regex_t is not for copying.
+        regex_t& re = m_compiled[pattern];
+        if (regcomp(&re, pattern.c_str(), REG_EXTENDED) == 0) return &re;
+        m_compiled.erase(pattern);
+        return nullptr;
     }
     std::mutex lock;
 

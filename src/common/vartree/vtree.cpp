@@ -28,12 +28,12 @@ namespace {
 char* tailOf(void* block, size_t size) { return static_cast<char*>(block) + size; }
 }  // namespace
 
-VtVariant* VtVariant::makeInline(const char* text0, size_t nameLength, const char* text, size_t textLength)
+VtVariant* VtVariant::makeInline(const char* nameText, size_t nameLength, const char* text, size_t textLength)
 {
     const size_t tail = nameLength + 1 + (text ? textLength + 1 : 0);
     auto* v = ::new (::operator new(sizeof(VtVariant) + tail)) VtVariant;
     v->name = tailOf(v, sizeof(VtVariant));
-    std::memcpy(v->name, text0, nameLength);
+    std::memcpy(v->name, nameText, nameLength);
     v->name[nameLength] = '\0';
     if (text) {
         v->type = VT_STRING;
@@ -70,11 +70,11 @@ void freeValues(VtVariant* v)
 }
 }  // namespace
 
-VtNode* VtNode::makeInline(const char* text, size_t nameLength)
+VtNode* VtNode::makeInline(const char* nameText, size_t nameLength)
 {
     auto* node = ::new (::operator new(sizeof(VtNode) + nameLength + 1)) VtNode;
     node->name = tailOf(node, sizeof(VtNode));
-    std::memcpy(node->name, text, nameLength);
+    std::memcpy(node->name, nameText, nameLength);
     node->name[nameLength] = '\0';
     return node;
 }
