@@ -1,5 +1,6 @@
 #include "invscan/solaris/PCIDeviceGroup.h"
 
+#include <charconv>
 #include <cstdio>
 #include <cstdlib>
 #include <set>
@@ -56,15 +57,10 @@ bool wantedDevice(const std::vector<PciFunction>& wanted, long vendor, long devi
 long leadingId(const std::string& text, size_t at)
 {
     if (text.size() < at + 7 || text[at + 4] != ' ') return -1;
-    long id = 0;
-    for (size_t i = at; i < at + 4; ++i) {
-        const char c = text[i];
-        const int digit = c >= '0' && c <= '9' ? c - '0' : c >= 'a' && c <= 'f' ? c - 'a' + 10
-                          : c >= 'A' && c <= 'F' ? c - 'A' + 10 : -1;
-        if (digit < 0) return -1;
-        id = id * 16 + digit;
-    }
-    return id;
+    long id = -1;
+    const char* end = text.data() + at + 4;
+    const auto read = std::from_chars(text.data() + at, end, id, 16);
+    return read.ec == std::errc() && read.ptr == end && id >= 0 ? id : -1;
 }
 
 }  // namespace
