@@ -11,6 +11,7 @@
 #include <ctime>
 #include <mutex>
 
+#include "common/sys/Portable.h"
 #include "framework/NimCfg.h"
 #include "framework/utils.h"
 
@@ -99,7 +100,7 @@ bool setFile(const std::string& path)
     if (!path.empty() && path != "stderr") {
         // Appended to, never through a link, never into a FIFO or device: the
         // folder may be shared and the host may run as root.
-        const int fd = open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, 0644);
+        const int fd = sys::openCloexec(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_NOFOLLOW | O_NONBLOCK, 0644);
         struct stat st;
         if (fd >= 0 && fstat(fd, &st) == 0 && S_ISREG(st.st_mode)) next = fdopen(fd, "a");
         if (!next) {

@@ -16,6 +16,8 @@
 
 #include <cerrno>
 
+#include "common/sys/Portable.h"
+
 namespace utils {
 namespace {
 bool isSpace(unsigned c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r' || c == '\v' || c == '\f'; }
@@ -194,7 +196,7 @@ std::string hexToDecimal(const std::string& hex)
 
 std::FILE* openRegularFile(const std::string& path)
 {
-    const int fd = ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    const int fd = sys::openCloexec(path.c_str(), O_RDONLY | O_NONBLOCK);
     if (fd < 0) return nullptr;
     struct stat st;
     int error = 0;

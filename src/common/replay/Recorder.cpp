@@ -13,6 +13,7 @@
 
 #include "common/replay/MachineFile.h"
 #include "common/replay/Sanitizer.h"
+#include "common/sys/Portable.h"
 
 namespace replay {
 
@@ -166,7 +167,7 @@ struct utmpx* Recorder::getutxent()
             m_utmpx.push_back("utmpx boot " + std::to_string(seconds));
         } else if (u->ut_type == RUN_LVL) {
             const char* line = u->ut_line;
-            const size_t n = strnlen(line, sizeof u->ut_line);
+            const size_t n = sys::boundedLength(line, sizeof u->ut_line);
             if (n > 10) m_utmpx.push_back("utmpx run-level " + std::string(1, line[10]) + " " + std::to_string(seconds));
         }
     }
@@ -399,9 +400,9 @@ int Recorder::ioctl(int fd, int request, void* arg)
             break;
         }
         const auto* c = static_cast<const dk_cinfo*>(arg);
-        key("ctl", std::string(c->dki_cname, strnlen(c->dki_cname, DK_DEVLEN)) + "," + std::to_string(c->dki_ctype) +
+        key("ctl", std::string(c->dki_cname, sys::boundedLength(c->dki_cname, DK_DEVLEN)) + "," + std::to_string(c->dki_ctype) +
                        "," + std::to_string(c->dki_cnum) + "," + std::to_string(c->dki_unit) + "," +
-                       std::string(c->dki_dname, strnlen(c->dki_dname, DK_DEVLEN)));
+                       std::string(c->dki_dname, sys::boundedLength(c->dki_dname, DK_DEVLEN)));
         break;
     }
     case DKIOCGGEOM: {
@@ -427,7 +428,7 @@ int Recorder::ioctl(int fd, int request, void* arg)
         key("sectorsz", std::to_string(v->v_sectorsz));
         key("tags", joined(tags));
         key("sizes", joined(sizes));
-        std::string label(v->v_asciilabel, strnlen(v->v_asciilabel, LEN_DKL_ASCII));
+        std::string label(v->v_asciilabel, sys::boundedLength(v->v_asciilabel, LEN_DKL_ASCII));
         std::replace(label.begin(), label.end(), '"', '\'');
         key("label", "\"" + label + "\"");
         break;
@@ -446,7 +447,7 @@ int Recorder::ioctl(int fd, int request, void* arg)
             // The name went in and the value came back in the same buffer:
             // the name is the one the last OPROMNXTPROP gave.
             if (!d.promProperties.empty() && d.promProperties.back().second.empty())
-                d.promProperties.back().second = std::string(p->oprom_array, strnlen(p->oprom_array, p->oprom_size));
+                d.promProperties.back().second = std::string(p->oprom_array, sys::boundedLength(p->oprom_array, p->oprom_size));
         }
         break;
     }

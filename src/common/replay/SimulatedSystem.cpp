@@ -2,6 +2,7 @@
 
 #include "common/replay/MachineFile.h"
 #include "common/sys/KstatChain.h"
+#include "common/sys/Portable.h"
 
 #include <sys/mman.h>
 
@@ -397,7 +398,7 @@ FILE* SimulatedSystem::popen(const char* command, const char* mode)
     const std::string& output = it->second.output;
     std::unique_ptr<char[]> text(new char[output.size() + 1]);
     std::memcpy(text.get(), output.data(), output.size());
-    FILE* f = output.empty() ? std::fopen("/dev/null", "r") : fmemopen(text.get(), output.size(), "r");
+    FILE* f = sys::memoryStream(text.get(), output.size());
     if (!f) return nullptr;
     m_streams[f] = Stream{it->second.status, std::move(text)};
     return f;

@@ -16,6 +16,7 @@
 #include <mutex>
 #include <string>
 
+#include "common/sys/Portable.h"
 #include "common/sys/Spawn.h"
 
 namespace sys {
@@ -71,7 +72,7 @@ int PosixSystem::closedir(Dir* dir)
     return 0;
 }
 
-int PosixSystem::open(const char* path, int flags) { return ::open(path, flags | O_CLOEXEC); }
+int PosixSystem::open(const char* path, int flags) { return openCloexec(path, flags); }
 int PosixSystem::close(int fd) { return ::close(fd); }
 int PosixSystem::ioctl(int fd, int request, void* arg) { return ::ioctl(fd, request, arg); }
 ssize_t PosixSystem::read(int fd, void* buf, size_t count) { return ::read(fd, buf, count); }
@@ -155,8 +156,10 @@ int PosixSystem::pclose(FILE* stream)
         g_streams.erase(it);
     }
     std::fclose(stream);
+    // A status the host took before us is not ours to report: the command
+    // ended, and its output was all it said.
     int status = 0;
-    return reap(pid, &status) ? status : -1;
+    return reap(pid, &status) == Child::Exited ? status : 0;
 }
 
 int PosixSystem::runCommand(const std::vector<std::string>& argv, int timeoutSeconds, std::vector<std::string>& lines)
@@ -208,13 +211,15 @@ int PosixSystem::runCommand(const std::vector<std::string>& argv, int timeoutSec
     if (!pending.empty()) lines.push_back(pending);
     // A child that closed its output may still run: the deadline holds for it too.
     int status = 0;
-    if (!timedOut && !reapBy(pid, &status, deadline)) timedOut = true;
-    if (timedOut) {
+    Child child = Child::Running;
+    if (!timedOut) child = reapBy(pid, &status, deadline);
+    if (child == Child::Running) {
         killGroup(pid);
         reap(pid, &status);
         errno = ETIMEDOUT;
         return -1;
     }
+    if (child == Child::Gone) return 0;  // its status went to the host: it ended
     if (!WIFEXITED(status)) return -1;
     return WEXITSTATUS(status);
 }

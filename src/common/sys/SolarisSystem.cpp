@@ -8,6 +8,10 @@
 
 #include "common/sys/PosixSystem.h"
 
+// libc exports it on every release, but <time.h> declares it only outside
+// the X/Open mode that C++ compilers always select on Solaris.
+extern "C" long altzone;
+
 namespace sys {
 namespace {
 

@@ -7,8 +7,15 @@
 // - has default signal dispositions and an empty signal mask, whatever the
 //   host set for itself;
 // - inherits only its three standard descriptors;
-// - is started without fork in the host: nothing runs between the two that a
-//   threaded host could deadlock on.
+// - runs nothing of ours between fork and exec that is not async-signal-safe,
+//   so a threaded host cannot deadlock it.
+// Two forms: posix_spawn with a close-from action where the system has one
+// (Linux, Solaris 11.4), else fork and exec with every descriptor above 2
+// closed by the child (Solaris 10). See ApiLevel.h.
+//
+// A host may ignore SIGCHLD or reap children of its own: then a child's exit
+// status is gone before we ask for it. Such a child is never signalled again
+// (its pid may be another's by then), and reaping it says so.
 #include <sys/types.h>
 
 #include <string>
@@ -29,20 +36,30 @@ struct SpawnRequest {
 };
 
 // Starts the child; its pid in `*pid`. 0, or the errno of what failed: then no
-// child exists (a program that cannot be executed is reported here).
+// child exists (a program that cannot be found or executed is reported here).
 int spawn(const SpawnRequest& request, pid_t* pid);
 
 // A pipe whose ends are closed on exec; 0 or an errno.
 int makePipe(int fds[2]);
 
-// Kills the child and everything in its process group.
+// Kills the child and everything in its process group, if the child is still
+// ours (running, or ended and not yet reaped); a child reaped by someone else
+// is left alone.
 void killGroup(pid_t pid);
 
-// Waits for the child, retrying on interruption; true with its raw status.
-bool reap(pid_t pid, int* status);
-// As reap, but gives up (false, the child left running) once `deadlineMs` of
-// monotonicMillis() has passed; -1: no deadline.
-bool reapBy(pid_t pid, int* status, long long deadlineMs);
+// What became of a child.
+enum class Child {
+    Exited,   // ended; its raw status was taken
+    Running,  // still running when we stopped waiting
+    Gone      // its status was taken by someone else (SIGCHLD ignored, a reaper)
+};
+
+// Waits for the child, retrying on interruption: Exited (with its raw status)
+// or Gone.
+Child reap(pid_t pid, int* status);
+// As reap, but stops waiting (Running, the child left running) once
+// `deadlineMs` of monotonicMillis() has passed; -1: no deadline, 0: just look.
+Child reapBy(pid_t pid, int* status, long long deadlineMs);
 
 long long monotonicMillis();
 

@@ -102,9 +102,11 @@ extern "C" int qrn_pgets(char* buf, int size, void* handle)
     }
     if (h->exited) return -1;
     int status = 0;
-    if (waitpid(h->pid, &status, WNOHANG) == h->pid) {
+    const sys::Child child = sys::reapBy(h->pid, &status, 0);
+    if (child != sys::Child::Running) {
+        // A status the host took before us (Gone) reads as a clean end.
         h->exited = true;
-        h->status = status;
+        h->status = child == sys::Child::Exited ? status : 0;
         usleep(50);  // let the last output arrive
         return 0;
     }
@@ -133,7 +135,7 @@ extern "C" void qrn_pclose(void* handle)
         // Our ends are closed, so the command sees end of input and a broken
         // pipe; reap it so no zombie is left behind.
         int status;
-        if (waitpid(h->pid, &status, WNOHANG) == 0) {
+        if (sys::reapBy(h->pid, &status, 0) == sys::Child::Running) {
             sys::killGroup(h->pid);
             sys::reap(h->pid, &status);
         }

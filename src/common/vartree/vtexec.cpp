@@ -15,6 +15,7 @@
 #include <ctime>
 #include <string>
 
+#include "common/sys/Portable.h"
 #include "common/sys/Spawn.h"
 #include "framework/NimCfg.h"
 #include "framework/RunLog.h"
@@ -63,10 +64,10 @@ const char* const kSource = "./../../../src/common/vartree/vtexec";
 int openErrorLog(const char* errorLog)
 {
     if (!errorLog) return -1;
-    const int flags = O_WRONLY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK;
-    int fd = open(errorLog, flags | O_CREAT | O_EXCL, 0644);
+    const int flags = O_WRONLY | O_NOFOLLOW | O_NONBLOCK;
+    int fd = sys::openCloexec(errorLog, flags | O_CREAT | O_EXCL, 0644);
     if (fd < 0 && errno == EEXIST) {
-        fd = open(errorLog, flags);
+        fd = sys::openCloexec(errorLog, flags);
         struct stat st;
         if (fd >= 0 && (fstat(fd, &st) != 0 || !S_ISREG(st.st_mode) || fchmod(fd, 0644) != 0 || ftruncate(fd, 0) != 0))
             sys::closeFd(fd);
@@ -128,7 +129,7 @@ VtProcess* VtProcess::create(const char* program, const char* args, const char* 
 
 void VtProcess::destroy()
 {
-    if (m_pid >= 0) kill(m_pid, SIGKILL);
+    if (m_pid >= 0) sys::killGroup(m_pid);  // only while it is still ours
     m_pid = -1;
     m_exitValue = -1;
 }
@@ -139,11 +140,7 @@ int VtProcess::waitFor()
 {
     if (m_pid >= 1 && m_exitValue < 0) {
         int status = 0;
-        pid_t r;
-        do {
-            r = waitpid(m_pid, &status, 0);
-        } while ((r >= 0 && r != m_pid) || (r < 0 && errno == EINTR));
-        if (r == m_pid && WIFEXITED(status)) m_exitValue = WEXITSTATUS(status);
+        if (sys::reap(m_pid, &status) == sys::Child::Exited && WIFEXITED(status)) m_exitValue = WEXITSTATUS(status);
     }
     return exitValue();
 }
@@ -287,17 +284,21 @@ VtExecInfo* execProgram(const char* program, const char* args, const char* error
     process->getStderr()->close();
     const pid_t pid = process->pid();
     int status = 0;
-    bool reaped = false, timedOut = output.timedOut();
+    bool timedOut = output.timedOut();
+    // A host that ignores SIGCHLD or reaps children itself takes the status
+    // first (Gone): the probe ended, and its output is what it says.
+    sys::Child child = sys::Child::Gone;
     if (pid > 0) {
         if (!timedOut && !output.overflowed()) {
-            reaped = sys::reapBy(pid, &status, deadline);
-            timedOut = !reaped;  // its output ended, but it ran on
+            child = sys::reapBy(pid, &status, deadline);
+            timedOut = child == sys::Child::Running;  // its output ended, but it ran on
         }
-        if (!reaped) {
+        if (timedOut || output.overflowed()) {
             sys::killGroup(pid);
-            reaped = sys::reap(pid, &status);
+            child = sys::reap(pid, &status);
         }
     }
+    const bool reaped = child == sys::Child::Exited;
     if (output.overflowed()) {
         CcLogWrapper::traceMIN(log, __LINE__, kSource, "vtExecProgram()", "[E] %s printed more than %u bytes: killed",
                                program, static_cast<unsigned>(VT_MAX_OUTPUT_BYTES));

@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "common/sys/Portable.h"
 #include "common/sys/System.h"
 #include "common/util/smbios.h"
 #include "framework/Trace.h"
@@ -84,7 +85,7 @@ char* ComponentIDGroup::getBanner()
                 break;
             }
             const unsigned length = p->oprom_size < kBufferSize ? p->oprom_size : kBufferSize - 1;
-            banner = strndup(p->oprom_array, length);
+            banner = sys::boundedCopy(p->oprom_array, length);
             CID_TRACE(traceMAX, fn, "hardware %s %s", "openprom property :", banner ? banner : "");
             break;
         }

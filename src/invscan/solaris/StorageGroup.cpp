@@ -13,6 +13,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "common/sys/Portable.h"
 #include "common/sys/System.h"
 #include "common/vartree/vtree.h"
 #include "framework/RunLog.h"
@@ -342,7 +343,7 @@ int getExactMatch(char* line, char* name)
     if (!line || !name || !*name) return 0;
     const char* at = std::strstr(line, name);
     if (!at) return 0;
-    const void* newline = std::memchr(at, '\n', strnlen(at, 256));
+    const void* newline = std::memchr(at, '\n', sys::boundedLength(at, 256));
     const size_t rest = newline ? static_cast<size_t>(static_cast<const char*>(newline) - at) : std::strlen(at);
     return rest == std::strlen(name) && std::strncmp(at, name, rest) == 0 ? 1 : 0;
 }
@@ -510,7 +511,7 @@ KorTableRow* reportPhysHardDisk(char* charDevPath, int* index, int* notCdFlag, i
     if (scsi.product && *scsi.product) {
         r.model = scsi.product;
     } else {
-        const std::string text(label.v_asciilabel, strnlen(label.v_asciilabel, sizeof label.v_asciilabel));
+        const std::string text(label.v_asciilabel, sys::boundedLength(label.v_asciilabel, sizeof label.v_asciilabel));
         r.model = text.substr(0, text.find(' '));
     }
     r.sizeMB = scsi.sizeMB > 0 ? scsi.sizeMB : labelSizeMB(geometry, label);

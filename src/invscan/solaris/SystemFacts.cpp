@@ -5,6 +5,7 @@
 #include <cstring>
 #include <vector>
 
+#include "common/sys/Portable.h"
 #include "common/sys/System.h"
 #include "common/util/SystemFile.h"
 #include "framework/Trace.h"
@@ -106,7 +107,7 @@ int runLevel(sys::System& os)
     while (const struct utmpx* u = os.getutxent()) {
         if (u->ut_type != RUN_LVL) continue;
         // ut_line need not end in a NUL.
-        const std::string line(u->ut_line, strnlen(u->ut_line, sizeof u->ut_line));
+        const std::string line(u->ut_line, sys::boundedLength(u->ut_line, sizeof u->ut_line));
         const size_t at = line.find("run-level ");
         if (at == std::string::npos || at + 10 >= line.size()) continue;
         const char c = line[at + 10];
