@@ -8,7 +8,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <chrono>
-#include <cmath>
 #include <cstring>
 #include <ctime>
 #include <filesystem>
@@ -277,7 +276,9 @@ int runScan(const Options& options)
         }
         // A group started before the deadline may not run its commands past it.
         if (options.deadline > 0) {
-            const double left = std::ceil(options.deadline - since(started));
+            const double rest = options.deadline - since(started);
+            int left = static_cast<int>(rest);
+            if (left < rest) ++left;  // whole seconds, rounded up
             NimCfg::setKey("hwscanner.timeout", std::to_string(std::max(1, std::min(timeout, static_cast<int>(left)))));
         }
         const Clock::time_point groupStarted = Clock::now();
