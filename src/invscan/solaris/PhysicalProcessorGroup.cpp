@@ -13,6 +13,7 @@
 #include "invscan/com/probeVT.h"
 #include "invscan/solaris/ProcessorGroup.h"
 #include "invscan/solaris/SystemFacts.h"
+#include "common/util/ApiGuard.h"
 
 namespace {
 
@@ -36,7 +37,7 @@ KorTableAttrib* count(unsigned long id, int value)
 
 }  // namespace
 
-bool gatherPhysicalPackages(VtExecInfo* info, long processors, std::vector<PhysicalPackage>& packages)
+bool gatherPhysicalPackages(VtExecInfo* info, std::vector<PhysicalPackage>& packages)
 {
     packages.clear();
     int total = 0;
@@ -63,8 +64,8 @@ bool gatherPhysicalPackages(VtExecInfo* info, long processors, std::vector<Physi
         pkg.is64bit = proc->getValue(nullptr, "Is64bit", "");
         pkg.coresPerPackage = proc->getValue(nullptr, "TotalCoreCount", -1);
         if (pkg.coresPerPackage < 1) pkg.coresPerPackage = proc->getValue("CPUID", "CorePerPackageCount", 1);
-        cores += pkg.coresPerPackage;
-        if (processors > 0 && cores > processors) {
+        cores += pkg.coresPerPackage > 0 ? pkg.coresPerPackage : 0;
+        if (cores > kMaxProcessorCores) {
             PHYS_TRACE(traceMIN, "[E] Invalid core count %d for proc #%d", pkg.coresPerPackage, p);
             packages.clear();
             return false;
@@ -118,15 +119,15 @@ PhysicalProcessorGroup::PhysicalProcessorGroup() : KorGroup(PHYSICAL_PROCESSOR_G
 
 KorTable* PhysicalProcessorGroup::getTable()
 {
-    CcLogWrapper::traceMidEntry(getCcLogHw(), __LINE__, kSource, kFunction, "hardware %s", "PhysicalProcessorGroup");
-    std::vector<PhysicalPackage> packages;
-    long processors = sys::current().sysconf(_SC_NPROCESSORS_CONF);
-    if (processors <= 0) processors = sys::current().sysconf(_SC_NPROCESSORS_ONLN);
-    if (!gatherPhysicalPackages(getCpuidVT(), processors, packages)) return nullptr;
-    auto* table = new KorTable(getGroupId(), getGroupVersion());
-    shapePhysicalProcessorRows(packages, *table);
-    CcLogWrapper::traceMidExit(getCcLogHw(), __LINE__, kSource, kFunction, "hardware %s", "PhysicalProcessorGroup");
-    return table;
+    return api::guardedTable("PhysicalProcessorGroup::getTable()", [&]() -> KorTable* {
+        CcLogWrapper::traceMidEntry(getCcLogHw(), __LINE__, kSource, kFunction, "hardware %s", "PhysicalProcessorGroup");
+        std::vector<PhysicalPackage> packages;
+        if (!gatherPhysicalPackages(getCpuidVT(), packages)) return nullptr;
+        auto* table = new KorTable(getGroupId(), getGroupVersion());
+        shapePhysicalProcessorRows(packages, *table);
+        CcLogWrapper::traceMidExit(getCcLogHw(), __LINE__, kSource, kFunction, "hardware %s", "PhysicalProcessorGroup");
+        return table;
+    });
 }
 
 INVSCAN_REGISTER_GROUP(PHYSICAL_PROCESSOR_GROUP, PhysicalProcessorGroup);

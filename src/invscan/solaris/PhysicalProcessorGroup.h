@@ -25,7 +25,7 @@ struct PhysicalPackage {
 };
 
 // All or nothing, as the Processor group: false (traced) when the probe
-// failed, a package it counts is missing, or the packages claim more cores
-// than `processors` (the machine's count; 0 or less: unknown).
-bool gatherPhysicalPackages(VtExecInfo* info, long processors, std::vector<PhysicalPackage>& packages);
+// failed, a package it counts is missing, or the packages claim more than
+// kMaxProcessorCores cores (never the scanning host's count).
+bool gatherPhysicalPackages(VtExecInfo* info, std::vector<PhysicalPackage>& packages);
 void shapePhysicalProcessorRows(const std::vector<PhysicalPackage>& packages, KorTable& table);

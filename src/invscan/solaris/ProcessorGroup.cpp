@@ -15,16 +15,13 @@
 #include "invscan/com/GroupRegistry.h"
 #include "invscan/com/md5.h"
 #include "invscan/com/probeVT.h"
+#include "common/util/ApiGuard.h"
 
 namespace {
 
 const char* const kSource = "./../../../src/invscan/solaris/ProcessorGroup";
 const char* const kFunction = "getTable()";
 #define PROC_TRACE(level, ...) CcLogWrapper::level(getCcLogHw(), __LINE__, kSource, kFunction, __VA_ARGS__)
-
-// More rows than this no real machine has; used when the processor count
-// cannot be had.
-constexpr long kMaxRows = 65536;
 
 // Not filled by anything: hosts get an empty serial number.
 char g_serialNumber[64];
@@ -41,22 +38,6 @@ std::string processorIdText(const ProcessorPackage& p)
                   p.clockMHz, 0, 0, p.family, p.model, p.stepping);
     return text;
 }
-
-namespace {
-
-// Rows the machine can have: one per core at most, so no more than its
-// processors (the configured ones: offline cores still have rows).
-long rowLimit()
-{
-    sys::System& os = sys::current();
-    for (int name : {_SC_NPROCESSORS_CONF, _SC_NPROCESSORS_ONLN}) {
-        const long n = os.sysconf(name);
-        if (n > 0) return n;
-    }
-    return kMaxRows;
-}
-
-}  // namespace
 
 VtNode* cpuidProcessorTable(VtExecInfo* info, const char* source, int& packages)
 {
@@ -82,7 +63,6 @@ bool gatherProcessorFacts(VtExecInfo* info, ProcessorFacts& facts)
     int packages = 0;
     VtNode* processors = cpuidProcessorTable(info, kSource, packages);
     if (!processors) return false;
-    const long limit = rowLimit();
     long rows = 0;
     for (int p = 0; p < packages; ++p) {
         VtNode* proc = processors->getChild("Processor", p);
@@ -96,8 +76,8 @@ bool gatherProcessorFacts(VtExecInfo* info, ProcessorFacts& facts)
         package.cores = proc->getValue(nullptr, "TotalCoreCount", -1);
         if (package.cores < 1) package.cores = proc->getValue("CPUID", "CorePerPackageCount", 1);
         rows += package.cores > 0 ? package.cores : 0;
-        if (rows > limit) {
-            // More cores than processors: a broken probe, not a machine.
+        if (rows > kMaxProcessorCores) {
+            // A broken probe, not a machine: no flood of rows.
             PROC_TRACE(traceMIN, "[E] Invalid core count %d for proc #%d", package.cores, p);
             return false;
         }
@@ -144,13 +124,15 @@ ProcessorGroup::ProcessorGroup() : KorGroup(PROCESSOR_GROUP, 1) {}
 
 KorTable* ProcessorGroup::getTable()
 {
-    CcLogWrapper::traceMidEntry(getCcLogHw(), __LINE__, kSource, kFunction, "hardware %s", "ProcessorGroup Group");
-    ProcessorFacts facts;
-    if (!gatherProcessorFacts(getCpuidVT(), facts)) return nullptr;
-    auto* table = new KorTable(getGroupId(), getGroupVersion());
-    shapeProcessorRows(facts, *table);
-    CcLogWrapper::traceMidExit(getCcLogHw(), __LINE__, kSource, kFunction, "hardware %s", "Processor Group");
-    return table;
+    return api::guardedTable("ProcessorGroup::getTable()", [&]() -> KorTable* {
+        CcLogWrapper::traceMidEntry(getCcLogHw(), __LINE__, kSource, kFunction, "hardware %s", "ProcessorGroup Group");
+        ProcessorFacts facts;
+        if (!gatherProcessorFacts(getCpuidVT(), facts)) return nullptr;
+        auto* table = new KorTable(getGroupId(), getGroupVersion());
+        shapeProcessorRows(facts, *table);
+        CcLogWrapper::traceMidExit(getCcLogHw(), __LINE__, kSource, kFunction, "hardware %s", "Processor Group");
+        return table;
+    });
 }
 
 INVSCAN_REGISTER_GROUP(PROCESSOR_GROUP, ProcessorGroup);

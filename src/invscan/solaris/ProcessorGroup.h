@@ -35,9 +35,15 @@ struct VtNode;
 // after the trace line of what was wrong, in the name of `source`.
 VtNode* cpuidProcessorTable(VtExecInfo* info, const char* source, int& packages);
 
+// More cores than this no machine has: a probe claiming them is broken. It
+// is a fixed ceiling, never the scanning host's count: a zone bound to a
+// processor set, a replayed capture of a bigger machine or a scripted probe
+// all show more cores than the process may count.
+constexpr long kMaxProcessorCores = 65536;
+
 // Reads the probe's tree, all or nothing: false (with its trace line) when
-// the probe failed, a package is missing, or the packages claim more cores
-// than the machine has processors.
+// the probe failed, a package is missing, or the packages claim more than
+// kMaxProcessorCores cores.
 bool gatherProcessorFacts(VtExecInfo* info, ProcessorFacts& facts);
 // The text a package's ID digests: the same package gives the same text on
 // every scan.
