@@ -25,6 +25,7 @@
 #include "invscan/solaris/ComponentIDGroup.h"
 #include "invscan/solaris/DiskScanTree.h"
 #include "invscan/solaris/scsiscan.h"
+#include "common/util/ApiGuard.h"
 
 namespace {
 
@@ -432,9 +433,10 @@ KorTableRow* reportCDROMs(char* name, int* index, const std::string& iostatOutpu
                                             [](char c) { return static_cast<unsigned char>(c) <= ' '; }) -
                                serial.begin();
             serial.resize(end);
+            // The line after this one says whether a medium is in, whatever
+            // this one holds (a size here is not the drive's verdict).
             state = 2;
-            // Some drives print their size on this same line: judge it here.
-            if (line.find("Size: ") == std::string::npos) continue;
+            continue;
         }
         if (showsNoMedium(line)) {
             ST_TRACE(traceMAX, fn, "hardware %s", "- done -");
@@ -565,66 +567,68 @@ StorageGroup::StorageGroup() : KorGroup(STORAGE_GROUP, 1) {}
 
 KorTable* StorageGroup::getTable()
 {
-    const char* fn = "getTable()";
-    ST_TRACE(traceMidEntry, fn, "hardware %s", "StorageGroup");
-    clearPreviousDisks();
-    auto* table = new KorTable(getGroupId(), getGroupVersion());
-    if (std::getenv("CHECK_ULTRIUM_TAPE_RUNNING") && isUltrium_tape_LT4772_running()) {
-        ST_TRACE(traceMidExit, fn, "hardware %s", "StorageGroup: a backup is running, nothing asked");
-        return table;
-    }
-
-    char* banner = ComponentIDGroup::getBanner();
-    const std::string product = banner ? banner : "";
-    std::free(banner);
-    ST_TRACE(traceMAX, fn, "hardware %s %s", "product=", product.c_str());
-    // Fujitsu Siemens machines are not asked for their CD/DVD drives.
-    std::string iostat;
-    bool haveIostat = false;
-    if (product.find("Fujitsu Siemens") == std::string::npos) {
-        haveIostat = runIostat(iostat);
-        if (!haveIostat) ST_TRACE(traceMID, fn, "hardware %s", "iostat failed - no CD-ROMs will be reported");
-    }
-
-    sys::System& os = sys::current();
-    int index = 0, counted = 0;
-    if (sys::Dir* dir = os.opendir(kRawDiskDir)) {
-        // The slices of one disk come next to each other: remembering the
-        // last disk's digits is enough to skip its other slices.
-        int last[3] = {-1, -1, -1};
-        while (const char* entry = os.readdir(dir)) {
-            if (std::strcmp(entry, ".") == 0 || std::strcmp(entry, "..") == 0) continue;
-            std::string name = entry;
-            const bool shortForm = isShortForm(name.c_str());
-            if (shortForm && name[1] == last[0] && name[3] == last[1] && name[5] == last[2]) {
-                ST_TRACE(traceMAX, fn, "hardware %s %s", "... skipping", name.c_str());
-                continue;
-            }
-            std::string path = std::string(kRawDiskDir) + "/" + name;
-            int notCd = 1, ioError = 0;
-            KorTableRow* row = reportPhysHardDisk(&path[0], &index, &notCd, &ioError);
-            ST_TRACE(traceMAX, fn, "hardware %s %d", "error from reportPhysHardDisk=", ioError);
-            if (notCd == 0 && haveIostat && !row && ioError == 0) row = reportCDROMs(&name[0], &index, iostat);
-            if (row) {
-                table->addRow(row);
-                ++counted;
-            }
-            if (shortForm) last[0] = name[1], last[1] = name[3], last[2] = name[5];
+    return api::guardedTable("StorageGroup::getTable()", [&]() -> KorTable* {
+        const char* fn = "getTable()";
+        ST_TRACE(traceMidEntry, fn, "hardware %s", "StorageGroup");
+        clearPreviousDisks();
+        auto* table = new KorTable(getGroupId(), getGroupVersion());
+        if (std::getenv("CHECK_ULTRIUM_TAPE_RUNNING") && isUltrium_tape_LT4772_running()) {
+            ST_TRACE(traceMidExit, fn, "hardware %s", "StorageGroup: a backup is running, nothing asked");
+            return table;
         }
-        os.closedir(dir);
-    } else {
-        ST_TRACE(traceMID, fn, "hardware %s %s", "Can't open dierctory", kRawDiskDir);
-    }
 
-    reportByListing(*table, index, std::string("ls -la ") + kDevDir + " | grep disk", "floppy", reportFloppy);
-    reportByListing(*table, index, std::string("ls -la ") + kDevDir + "| grep pcmcia", "pcmcia", reportPCMCIA);
+        char* banner = ComponentIDGroup::getBanner();
+        const std::string product = banner ? banner : "";
+        std::free(banner);
+        ST_TRACE(traceMAX, fn, "hardware %s %s", "product=", product.c_str());
+        // Fujitsu Siemens machines are not asked for their CD/DVD drives.
+        std::string iostat;
+        bool haveIostat = false;
+        if (product.find("Fujitsu Siemens") == std::string::npos) {
+            haveIostat = runIostat(iostat);
+            if (!haveIostat) ST_TRACE(traceMID, fn, "hardware %s", "iostat failed - no CD-ROMs will be reported");
+        }
 
-    ST_TRACE(traceMidExit, fn, "hardware %s", "StorageGroup");
-    if (counted == 0) {
-        delete table;
-        return nullptr;
-    }
-    return table;
+        sys::System& os = sys::current();
+        int index = 0, counted = 0;
+        if (sys::Dir* dir = os.opendir(kRawDiskDir)) {
+            // The slices of one disk come next to each other: remembering the
+            // last disk's digits is enough to skip its other slices.
+            int last[3] = {-1, -1, -1};
+            while (const char* entry = os.readdir(dir)) {
+                if (std::strcmp(entry, ".") == 0 || std::strcmp(entry, "..") == 0) continue;
+                std::string name = entry;
+                const bool shortForm = isShortForm(name.c_str());
+                if (shortForm && name[1] == last[0] && name[3] == last[1] && name[5] == last[2]) {
+                    ST_TRACE(traceMAX, fn, "hardware %s %s", "... skipping", name.c_str());
+                    continue;
+                }
+                std::string path = std::string(kRawDiskDir) + "/" + name;
+                int notCd = 1, ioError = 0;
+                KorTableRow* row = reportPhysHardDisk(&path[0], &index, &notCd, &ioError);
+                ST_TRACE(traceMAX, fn, "hardware %s %d", "error from reportPhysHardDisk=", ioError);
+                if (notCd == 0 && haveIostat && !row && ioError == 0) row = reportCDROMs(&name[0], &index, iostat);
+                if (row) {
+                    table->addRow(row);
+                    ++counted;
+                }
+                if (shortForm) last[0] = name[1], last[1] = name[3], last[2] = name[5];
+            }
+            os.closedir(dir);
+        } else {
+            ST_TRACE(traceMID, fn, "hardware %s %s", "Can't open dierctory", kRawDiskDir);
+        }
+
+        reportByListing(*table, index, std::string("ls -la ") + kDevDir + " | grep disk", "floppy", reportFloppy);
+        reportByListing(*table, index, std::string("ls -la ") + kDevDir + "| grep pcmcia", "pcmcia", reportPCMCIA);
+
+        ST_TRACE(traceMidExit, fn, "hardware %s", "StorageGroup");
+        if (counted == 0) {
+            delete table;
+            return nullptr;
+        }
+        return table;
+    });
 }
 
 INVSCAN_REGISTER_GROUP(STORAGE_GROUP, StorageGroup);
