@@ -134,8 +134,19 @@ TEST(Toolbox, CommandsZoneNameAndId)
     long id = 9;
     EXPECT_TRUE(Toolbox::getZoneId(id));  // a line came, though no number: so it was built
     EXPECT_EQ(id, 9);
+    // Any line is an answer, "-" and a blank one too; only two silent
+    // commands mean no zones, and leave the name alone.
     os.shells["LANG=C; ps -o zone -p 4242 2>/dev/null | sed '2q;d' 2>/dev/null"].output = "-\n";
-    EXPECT_FALSE(Toolbox::getZoneName(out));  // procps' answer: no zones
+    EXPECT_TRUE(Toolbox::getZoneName(out));
+    EXPECT_EQ(out, "-");
+    os.shells["zonename 2>/dev/null"] = {" \n", 0, false};
+    EXPECT_TRUE(Toolbox::getZoneName(out));
+    EXPECT_EQ(out, "");
+    os.shells.erase("zonename 2>/dev/null");
+    os.shells["LANG=C; ps -o zone -p 4242 2>/dev/null | sed '2q;d' 2>/dev/null"].output = "";
+    out = "before";
+    EXPECT_FALSE(Toolbox::getZoneName(out));
+    EXPECT_EQ(out, "before");
     EXPECT_EQ(os.openStreams(), 0);
 }
 
