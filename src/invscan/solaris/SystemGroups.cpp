@@ -16,6 +16,7 @@
 #include "invscan/com/GroupRegistry.h"
 #include "invscan/com/probeVT.h"
 #include "invscan/solaris/SystemFacts.h"
+#include "common/util/ApiGuard.h"
 
 using systemfacts::fitted;
 using systemfacts::trimmed;
@@ -39,17 +40,61 @@ KorTableAttrib* number(unsigned long id, long long value) { return new KorTableA
 
 KorTableAttrib* when(unsigned long id, long long seconds) { return new KorTableAttrib(id, static_cast<long>(seconds)); }
 
-// A word that is a version: digits, perhaps after a 'v', in dotted parts.
+bool digits(const std::string& text, size_t from, size_t count)
+{
+    if (from + count > text.size() || count == 0) return false;
+    for (size_t i = from; i < from + count; ++i)
+        if (!std::isdigit(static_cast<unsigned char>(text[i]))) return false;
+    return true;
+}
+
+// A word that is a version: digits in dotted parts, perhaps after a 'v' or
+// OpenIndiana's "oi_" ("oi_151.1.8"), perhaps with a dashed suffix
+// (NexentaStor's fix pack: "4.0.3-FP2").
 bool versionWord(const std::string& word, long& major, long& minor)
 {
-    size_t i = word[0] == 'v' || word[0] == 'V' ? 1 : 0;
+    size_t i = word.compare(0, 3, "oi_") == 0 ? 3 : word[0] == 'v' || word[0] == 'V' ? 1 : 0;
     if (i >= word.size() || !std::isdigit(static_cast<unsigned char>(word[i]))) return false;
-    for (size_t j = i; j < word.size(); ++j)
+    size_t last = word.find('-', i);
+    if (last == std::string::npos) last = word.size();
+    for (size_t j = i; j < last; ++j)
         if (!std::isdigit(static_cast<unsigned char>(word[j])) && word[j] != '.') return false;
     char* end = nullptr;
     major = std::strtol(word.c_str() + i, &end, 10);
     minor = *end == '.' ? std::strtol(end + 1, nullptr, 10) : 0;
     return true;
+}
+
+// OmniOS's release ("r151026"): what its users call the version, ahead of
+// the "v11" every OmniOS banner carries.
+bool omniosRelease(const std::string& word, long& major)
+{
+    if (word.size() < 2 || word[0] != 'r' || !digits(word, 1, word.size() - 1)) return false;
+    major = std::strtol(word.c_str() + 1, nullptr, 10);
+    return true;
+}
+
+// A SmartOS platform image's stamp ("20160330T234717Z", or after "joyent_"):
+// its date is the release its users know.
+bool platformStamp(const std::string& word, long& major)
+{
+    const size_t at = word.compare(0, 7, "joyent_") == 0 ? 7 : 0;
+    if (!digits(word, at, 8) || word.size() < at + 9 || word[at + 8] != 'T') return false;
+    major = std::strtol(word.substr(at, 8).c_str(), nullptr, 10);
+    return true;
+}
+
+std::vector<std::string> wordsOf(const std::string& line)
+{
+    std::vector<std::string> words;
+    size_t start = 0;
+    while (start < line.size()) {
+        size_t end = line.find(' ', start);
+        if (end == std::string::npos) end = line.size();
+        if (end > start) words.push_back(line.substr(start, end - start));
+        start = end + 1;
+    }
+    return words;
 }
 
 int monthOf(const char* name)
@@ -116,15 +161,19 @@ OsVersion osVersion(const OperatingSystemFacts& facts)
 {
     OsVersion v;
     if (!facts.banner.empty()) {
-        const std::string& line = facts.banner.front();
-        size_t start = 0;
-        while (start < line.size()) {
-            const size_t end = line.find(' ', start);
-            const std::string word = line.substr(start, end == std::string::npos ? std::string::npos : end - start);
-            if (!word.empty() && versionWord(word, v.major, v.minor)) return v;
-            if (end == std::string::npos) break;
-            start = end + 1;
+        const std::vector<std::string> words = wordsOf(facts.banner.front());
+        for (const std::string& word : words)
+            if (omniosRelease(word, v.major)) return v.minor = 0, v;
+        for (const std::string& word : words) {
+            if (versionWord(word, v.major, v.minor)) return v;
+            if (platformStamp(word, v.major)) return v.minor = 0, v;
         }
+        // A SmartOS zone's banner names its image further down only:
+        // "See joyent_20141002T182809Z for assembly date and time."
+        for (size_t i = 1; i < facts.banner.size(); ++i)
+            for (const std::string& word : wordsOf(facts.banner[i]))
+                if (word.compare(0, 7, "joyent_") == 0 && platformStamp(word, v.major)) return v.minor = 0, v;
+        v = OsVersion();
     }
     if (!facts.release.empty() && !versionWord(facts.release.substr(0, facts.release.find_first_of("-+ ")), v.major, v.minor))
         v = OsVersion();
@@ -240,10 +289,12 @@ OperatingSystemGroup::OperatingSystemGroup() : KorGroup(OPERATING_SYSTEM_GROUP, 
 
 KorTable* OperatingSystemGroup::getTable()
 {
-    traceEntry("OperatingSystemGroup");
-    OperatingSystemFacts facts;
-    if (!gatherOperatingSystemFacts(sys::current(), getCpuidVT(), facts)) return nullptr;
-    return oneRowTable(*this, facts, shapeOperatingSystemRow, "OperatingSystemGroup");
+    return api::guardedTable("OperatingSystemGroup::getTable()", [&]() -> KorTable* {
+        traceEntry("OperatingSystemGroup");
+        OperatingSystemFacts facts;
+        if (!gatherOperatingSystemFacts(sys::current(), getCpuidVT(), facts)) return nullptr;
+        return oneRowTable(*this, facts, shapeOperatingSystemRow, "OperatingSystemGroup");
+    });
 }
 
 // ---------------------------------------------------------------- Regional
@@ -281,8 +332,10 @@ RegionalGroup::RegionalGroup() : KorGroup(REGIONAL_GROUP, 1) {}
 
 KorTable* RegionalGroup::getTable()
 {
-    traceEntry("RegionalGroup");
-    return oneRowTable(*this, gatherRegionalFacts(sys::current()), shapeRegionalRow, "RegionalGroup");
+    return api::guardedTable("RegionalGroup::getTable()", [&]() -> KorTable* {
+        traceEntry("RegionalGroup");
+        return oneRowTable(*this, gatherRegionalFacts(sys::current()), shapeRegionalRow, "RegionalGroup");
+    });
 }
 
 // ---------------------------------------------------------------- UNIX System Params
@@ -313,13 +366,15 @@ UnixSystemParamsGroup::UnixSystemParamsGroup() : KorGroup(UNIX_SYSTEM_PARAMS_GRO
 
 KorTable* UnixSystemParamsGroup::getTable()
 {
-    traceEntry("UnixSystemParamsGroup");
-    const UnixSystemFacts facts = gatherUnixSystemFacts(sys::current());
-    if (facts.bootTime <= 0 && facts.runLevel < 0 && facts.hostname.empty()) {
-        SYS_TRACE(traceMIN, "getTable()", "hardware %s", "ERROR! no boot time, run level or host name");
-        return nullptr;
-    }
-    return oneRowTable(*this, facts, shapeUnixSystemRow, "UnixSystemParamsGroup");
+    return api::guardedTable("UnixSystemParamsGroup::getTable()", [&]() -> KorTable* {
+        traceEntry("UnixSystemParamsGroup");
+        const UnixSystemFacts facts = gatherUnixSystemFacts(sys::current());
+        if (facts.bootTime <= 0 && facts.runLevel < 0 && facts.hostname.empty()) {
+            SYS_TRACE(traceMIN, "getTable()", "hardware %s", "ERROR! no boot time, run level or host name");
+            return nullptr;
+        }
+        return oneRowTable(*this, facts, shapeUnixSystemRow, "UnixSystemParamsGroup");
+    });
 }
 
 // ---------------------------------------------------------------- Scan Info
@@ -356,8 +411,10 @@ ScanInfoGroup::ScanInfoGroup() : KorGroup(SCAN_INFO_GROUP, 1) {}
 
 KorTable* ScanInfoGroup::getTable()
 {
-    traceEntry("ScanInfoGroup");
-    return oneRowTable(*this, gatherScanInfoFacts(sys::current()), shapeScanInfoRow, "ScanInfoGroup");
+    return api::guardedTable("ScanInfoGroup::getTable()", [&]() -> KorTable* {
+        traceEntry("ScanInfoGroup");
+        return oneRowTable(*this, gatherScanInfoFacts(sys::current()), shapeScanInfoRow, "ScanInfoGroup");
+    });
 }
 
 INVSCAN_REGISTER_GROUP(OPERATING_SYSTEM_GROUP, OperatingSystemGroup);

@@ -25,8 +25,11 @@ struct OperatingSystemFacts {
 };
 // The banner's lines, trimmed, without empty ones.
 std::vector<std::string> releaseBannerLines(const std::string& text);
-// The release's version, from the banner's first version-looking word ("10"
-// of "Oracle Solaris 10 1/13 ...", "11.4", "v11"), else the kernel release.
+// The release's version as the system's users know it, from the banner:
+// OmniOS's "r151026", else the first version-looking word ("10" of "Oracle
+// Solaris 10 1/13 ...", "11.4", "v3.1.6", OpenIndiana's "oi_151.1.8",
+// NexentaStor's "4.0.3-FP2") or SmartOS image stamp (its date), else the
+// kernel release.
 struct OsVersion {
     long major = -1, minor = -1;
 };
