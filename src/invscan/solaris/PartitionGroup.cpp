@@ -13,6 +13,7 @@
 #include "invscan/com/CatalogueIds.h"
 #include "invscan/com/GroupRegistry.h"
 #include "invscan/solaris/SystemFacts.h"
+#include "common/util/ApiGuard.h"
 
 namespace {
 
@@ -123,8 +124,15 @@ std::vector<MountEntry> parseMountTable(const std::string& text)
             fields.push_back(text.substr(from, tab - from));
             from = tab + 1;
         }
+        const size_t lineStart = start;
         start = end + 1;
-        if (fields.size() < 3 || fields[0].empty() || fields[1].empty()) continue;
+        if (fields.size() < 3 || fields[0].empty() || fields[1].empty()) {
+            // Not special, mount point and type: the line is dropped, and said so.
+            if (end > lineStart)
+                PART_TRACE(traceMID, "hardware %s '%s'", "unreadable mount-table line dropped:",
+                           text.substr(lineStart, end - lineStart).c_str());
+            continue;
+        }
         MountEntry m;
         m.special = fields[0];
         m.mountPoint = fields[1];
@@ -229,18 +237,20 @@ PartitionGroup::PartitionGroup() : KorGroup(PARTITION_GROUP, 1) {}
 
 KorTable* PartitionGroup::getTable()
 {
-    CcLogWrapper::traceMidEntry(getCcLogHw(), __LINE__, kSource, kFunction, "hardware %s", "PartitionGroup");
-    sys::System& os = sys::current();
-    std::string text;
-    if (!util::readSystemFile(os, kMountTable, text, kMountTableLimit)) {
-        PART_TRACE(traceMIN, "hardware %s %s", "ERROR! cannot read", kMountTable);
-        return nullptr;
-    }
-    const std::vector<PartitionRow> rows = gatherPartitions(os, parseMountTable(text));
-    auto* table = new KorTable(getGroupId(), getGroupVersion());
-    shapePartitionRows(rows, *table);
-    CcLogWrapper::traceMidExit(getCcLogHw(), __LINE__, kSource, kFunction, "hardware %s", "PartitionGroup");
-    return table;
+    return api::guardedTable("PartitionGroup::getTable()", [&]() -> KorTable* {
+        CcLogWrapper::traceMidEntry(getCcLogHw(), __LINE__, kSource, kFunction, "hardware %s", "PartitionGroup");
+        sys::System& os = sys::current();
+        std::string text;
+        if (!util::readSystemFile(os, kMountTable, text, kMountTableLimit)) {
+            PART_TRACE(traceMIN, "hardware %s %s", "ERROR! cannot read", kMountTable);
+            return nullptr;
+        }
+        const std::vector<PartitionRow> rows = gatherPartitions(os, parseMountTable(text));
+        auto* table = new KorTable(getGroupId(), getGroupVersion());
+        shapePartitionRows(rows, *table);
+        CcLogWrapper::traceMidExit(getCcLogHw(), __LINE__, kSource, kFunction, "hardware %s", "PartitionGroup");
+        return table;
+    });
 }
 
 INVSCAN_REGISTER_GROUP(PARTITION_GROUP, PartitionGroup);
