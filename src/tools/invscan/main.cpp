@@ -1,5 +1,7 @@
 // invscan: the command-line host. Drives the scanner library the way an
 // inventory host does and prints what the groups return.
+#include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cctype>
@@ -14,16 +16,19 @@
 #include <fstream>
 #include <list>
 #include <memory>
+#include <sstream>
 #include <string>
 #include <vector>
 
-#include <CLI/CLI.hpp>
+#include "tools/invscan/Cli11.h"
 #include <nlohmann/json.hpp>
 
 #include "common/replay/MachineFile.h"
 #include "common/replay/Recorder.h"
 #include "common/replay/Sanitizer.h"
 #include "common/replay/SimulatedSystem.h"
+#include "common/sys/Portable.h"
+#include "common/sys/PosixSystem.h"
 #include "common/sys/System.h"
 #include "common/vartree/vtexec.h"
 #include "framework/NimCfg.h"
@@ -35,7 +40,9 @@
 #include "invscan/com/GroupFactory.h"
 #include "invscan/com/KorGroup.h"
 #include "invscan/com/KorTable.h"
+#include "tools/invscan/Diff.h"
 #include "tools/invscan/Output.h"
+#include "tools/invscan/Schema.h"
 
 namespace cli {
 
@@ -57,6 +64,7 @@ struct Options {
     std::string replay;   // a capture file or a simulated machine's folder
     std::string capture;  // where a capture goes
     bool sanitize = false;
+    bool force = false;   // a capture may replace an existing file
 };
 
 struct Wanted {
@@ -71,7 +79,7 @@ std::string versionText()
 
 void fail(const std::string& message)
 {
-    std::fprintf(stderr, "invscan: %s\n", message.c_str());
+    std::fprintf(stderr, "invscan: %s\n", escapeControls(message).c_str());
 }
 
 // Where this program lives: /proc when it has the link, else argv[0].
@@ -372,8 +380,33 @@ int runProbe(const std::string& name, bool replaying)
         fail("no probe program " + path);
         return 1;
     }
+    // The library prints the tree as the probe gave it: through a file, so
+    // that a hostile probe or capture cannot reach the terminal raw.
     std::fflush(stdout);
+    std::FILE* held = std::tmpfile();
+    const int terminal = held ? dup(STDOUT_FILENO) : -1;
+    if (terminal < 0 || dup2(fileno(held), STDOUT_FILENO) < 0) {
+        if (held) std::fclose(held);
+        if (terminal >= 0) close(terminal);
+        fail(std::string("cannot run the probe: ") + std::strerror(errno));
+        return 1;
+    }
     const int code = vtExecTest(name.c_str());
+    std::fflush(stdout);
+    dup2(terminal, STDOUT_FILENO);
+    close(terminal);
+    std::rewind(held);
+    std::string line;
+    for (int c; (c = std::fgetc(held)) != EOF;) {
+        if (c != '\n') {
+            line.push_back(static_cast<char>(c));
+            continue;
+        }
+        std::printf("%s\n", escapeControls(line).c_str());
+        line.clear();
+    }
+    if (!line.empty()) std::printf("%s", escapeControls(line).c_str());
+    std::fclose(held);
     std::fflush(stdout);
     return code;
 }
@@ -409,13 +442,77 @@ void endReplay(const replay::SimulatedSystem& simulated)
     fail("not in the capture: " + list);
 }
 
+// A capture holds serial numbers: it is written to a new file beside its
+// place (created, never opened through a link, readable by its owner only)
+// that takes the capture's name once complete, and never replaces a file
+// there unless forced.
+struct CaptureFile {
+    std::string path, temporary;
+    int fd = -1;
+};
+
+// The new file, made before the scan so that a capture that cannot be
+// written is refused at once. 0, or an errno with `error` set.
+int createCapture(const std::string& path, bool force, CaptureFile& file, std::string& error)
+{
+    struct stat st;
+    if (!force && lstat(path.c_str(), &st) == 0) return (error = "it exists (--force replaces it)"), EEXIST;
+    const size_t slash = path.rfind('/');
+    const std::string folder = slash == std::string::npos ? "." : slash == 0 ? "/" : path.substr(0, slash);
+    const std::string base = slash == std::string::npos ? path : path.substr(slash + 1);
+    file.path = path;
+    for (unsigned attempt = 0; file.fd < 0 && attempt < 100; ++attempt) {
+        const auto now = std::chrono::steady_clock::now().time_since_epoch().count();
+        file.temporary = folder + "/." + base + "." + std::to_string(getpid()) + "-" + std::to_string(now % 1000000) +
+                         "-" + std::to_string(attempt);
+        file.fd = sys::openCloexec(file.temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL, 0600);
+        if (file.fd < 0 && errno != EEXIST) break;
+    }
+    if (file.fd >= 0) return 0;
+    const int cause = errno;
+    error = std::strerror(cause);
+    return cause;
+}
+
+// Writes `text` and gives the file its name; the temporary name is gone
+// after, whatever happened. 0, or an errno with `error` set.
+int placeCapture(CaptureFile& file, const std::string* text, bool force, std::string& error)
+{
+    int problem = text ? 0 : ECANCELED;
+    for (size_t done = 0; !problem && done < text->size();) {
+        const ssize_t n = write(file.fd, text->data() + done, text->size() - done);
+        if (n > 0)
+            done += static_cast<size_t>(n);
+        else if (n < 0 && errno != EINTR)
+            problem = errno;
+    }
+    if (close(file.fd) != 0 && !problem) problem = errno;
+    file.fd = -1;
+    if (!problem) {
+        if (force) {
+            if (rename(file.temporary.c_str(), file.path.c_str()) != 0) problem = errno;
+        } else if (link(file.temporary.c_str(), file.path.c_str()) != 0) {  // fails on anything there, a link too
+            problem = errno;
+            struct stat st;
+            // A file system without hard links: the name is still free.
+            if ((problem == EPERM || problem == ENOTSUP || problem == EOPNOTSUPP) &&
+                lstat(file.path.c_str(), &st) != 0 && errno == ENOENT)
+                problem = rename(file.temporary.c_str(), file.path.c_str()) == 0 ? 0 : errno;
+        }
+    }
+    unlink(file.temporary.c_str());
+    if (problem) error = problem == EEXIST ? "it exists (--force replaces it)" : std::strerror(problem);
+    return problem;
+}
+
 // A scan as usual that keeps every answer of the machine in `file`. Of a
 // replay too: a capture sanitized afterwards, a machine's folder as one file.
 int runCapture(const Options& options, replay::SimulatedSystem* replaying)
 {
-    std::ofstream file(options.capture, std::ios::binary | std::ios::trunc);
-    if (!file) {
-        fail("cannot write capture " + options.capture + ": " + std::strerror(errno));
+    CaptureFile file;
+    std::string error;
+    if (createCapture(options.capture, options.force, file, error) != 0) {
+        fail("cannot write capture " + options.capture + ": " + error);
         return EXIT_USAGE;
     }
     replay::Recorder recorder(sys::current(), replaying);
@@ -424,15 +521,22 @@ int runCapture(const Options& options, replay::SimulatedSystem* replaying)
     const int code = runScan(options);
     vtSetProbeTap(replaying);
     sys::setCurrent(replaying);
+    if (code == EXIT_USAGE) {  // nothing was scanned
+        placeCapture(file, nullptr, false, error);
+        return code;
+    }
     const std::string hwConfig =
         options.hwConfig.empty() ? GroupFactory::getInstance()->getHWConfigFile().narrow() : options.hwConfig;
-    std::ifstream config(hwConfig, std::ios::binary);
-    if (config) recorder.keepHardwareConfig(std::string(std::istreambuf_iterator<char>(config), {}));
+    std::string config;
+    bool cut = false;
+    if (sys::readRegularFile(hwConfig.c_str(), config, XmlNimParser::DEFAULT_MAX_BYTES, &cut) && !cut)
+        recorder.keepHardwareConfig(config);
     replay::Sanitizer sanitizer;
-    recorder.write(file, options.sanitize ? &sanitizer : nullptr);
-    file.close();
-    if (!file) {
-        fail("cannot write capture " + options.capture + ": " + std::strerror(errno));
+    std::ostringstream text;
+    recorder.write(text, options.sanitize ? &sanitizer : nullptr);
+    const std::string captured = text.str();
+    if (placeCapture(file, &captured, options.force, error) != 0) {
+        fail("cannot write capture " + options.capture + ": " + error);
         return 1;
     }
     return code;
@@ -490,7 +594,15 @@ int run(int argc, char** argv)
                       "Replace serial numbers, host ids, UUIDs, MAC addresses and WWNs with placeholders");
     capture->add_option("--replay", options.replay, "Capture a replay instead of this machine (to sanitize a capture)")
         ->type_name("FILE");
-    for (CLI::App* sub : {list, scan, probe, capture}) sub->fallthrough();
+    capture->add_flag("--force", options.force, "Replace FILE when it exists");
+    CLI::App* diff = app.add_subcommand("diff", "Say what changed between two scans of one machine (exit 1 when anything did)");
+    DiffOptions diffOptions;
+    diff->add_option("old", diffOptions.oldPath, "The earlier scan: JSON, a capture or a machine's folder")->required()->type_name("OLD");
+    diff->add_option("new", diffOptions.newPath, "The later scan, likewise")->required()->type_name("NEW");
+    diff->add_flag("--all", diffOptions.all, "Compare the attributes that change on every scan too");
+    diff->add_flag("--force", diffOptions.force, "Compare scans of two different machines");
+    CLI::App* schema = app.add_subcommand("schema", "Print the JSON Schema of 'scan --format json'");
+    for (CLI::App* sub : {list, scan, probe, capture, diff, schema}) sub->fallthrough();
 
     try {
         app.parse(argc, argv);
@@ -506,12 +618,18 @@ int run(int argc, char** argv)
     // Installed layout: <prefix>/bin/invscan and <prefix>/config/NimHWConfig.xml.
     if (!prefix.empty() && !NimCfg::hasKey("config_dir")) NimCfg::setKey("config_dir", prefix + "/config");
 
-    if (!list->parsed() && !scan->parsed() && !probe->parsed() && !capture->parsed()) {
-        fail("a command is needed: list, scan, probe or capture (see --help)");
+    if (!list->parsed() && !scan->parsed() && !probe->parsed() && !capture->parsed() && !diff->parsed() &&
+        !schema->parsed()) {
+        fail("a command is needed: list, scan, probe, capture, diff or schema (see --help)");
         return EXIT_USAGE;
     }
     if (const int code = applyConfiguration(options)) return code;
     if (list->parsed()) return runList(options);
+    if (schema->parsed()) return runSchema();
+    if (diff->parsed()) {
+        diffOptions.format = options.format;
+        return runDiff(diffOptions, self);
+    }
     std::unique_ptr<replay::SimulatedSystem> simulated;
     if (!options.replay.empty() && !(simulated = startReplay(options.replay))) return EXIT_USAGE;
     // The capture's hardware configuration, unless one is named.
