@@ -57,6 +57,7 @@ std::string scanMachine(const std::string& dir)
     FakeSystem os;
     std::string error;
     if (!loadMachine(dir, os, error)) return "cannot load: " + error + "\n";
+    replay::useMachineEnvironment(os);  // each machine is scanned in a child of its own
     ScopedSystem scope(os);
     vtSetProbeTap(&os);  // the probes print the machine's captured output
     trace::Capture trace(trace::Level::Max);

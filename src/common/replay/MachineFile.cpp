@@ -14,6 +14,10 @@
 #include <fstream>
 #include <map>
 #include <sstream>
+#include <streambuf>
+
+#include "common/sys/PosixSystem.h"
+#include "common/vartree/vtexec.h"
 
 namespace replay {
 
@@ -100,6 +104,7 @@ namespace {
 // the text those lines go to (a command's output or a file's contents).
 SimulatedSystem::Command* g_current = nullptr;
 std::string* g_text = nullptr;
+bool g_probeAnswer = false;  // g_text is what a probe printed
 std::vector<std::string>* g_entries = nullptr;  // after "dir": its entries
 int g_snapshot = 0;                              // after "kstat-snapshot": its number
 std::vector<std::pair<std::string, std::string>> g_promProperties;
@@ -233,6 +238,8 @@ bool readLine(const std::string& text, SimulatedSystem& os)
         const std::string line = text.size() > 2 ? text.substr(2) : std::string();
         if (g_entries) return g_entries->push_back(line), true;
         if (!g_text) return false;
+        // A probe that printed more would have been killed, so no capture holds it.
+        if (g_probeAnswer && g_text->size() + line.size() + 1 > VT_MAX_OUTPUT_BYTES) return false;
         *g_text += line + "\n";
         return true;
     }
@@ -246,6 +253,7 @@ bool readLine(const std::string& text, SimulatedSystem& os)
         std::getline(in >> std::ws, command);
         g_current = &(facility == "shell" ? os.shells : facility == "run" ? os.commands : os.probes)[command];
         g_text = &g_current->output;
+        g_probeAnswer = facility == "probe";
         g_entries = nullptr;
         return !command.empty();
     }
@@ -253,6 +261,7 @@ bool readLine(const std::string& text, SimulatedSystem& os)
     if (facility == "start-fails") return g_current && (g_current->fails = true);
     g_current = nullptr;
     g_text = nullptr;
+    g_probeAnswer = false;
     g_entries = nullptr;
     if (facility == "hwconfig") {
         os.hasHardwareConfig = true;
@@ -342,10 +351,12 @@ bool readLine(const std::string& text, SimulatedSystem& os)
         return true;
     }
     if (facility == "env") {
-        // Set in the scan's own process: each machine is scanned in a child.
+        // Kept for useMachineEnvironment: reading a machine changes nothing
+        // of the process.
         std::string value;
         std::getline(in >> name >> std::ws, value);
-        return setenv(name.c_str(), value.c_str(), 1) == 0;
+        os.environment[name] = value;
+        return !name.empty();
     } else if (facility == "disk") {
         return in >> name && readDisk(name, in);
     } else if (facility == "rdsk") {
@@ -479,6 +490,7 @@ bool readMachine(std::istream& in, const std::string& name, bool needVersion, Si
 {
     g_current = nullptr;
     g_text = nullptr;
+    g_probeAnswer = false;
     g_entries = nullptr;
     g_snapshot = 0;
     g_promProperties.clear();
@@ -520,18 +532,47 @@ bool readMachine(std::istream& in, const std::string& name, bool needVersion, Si
     return true;
 }
 
+namespace {
+
+// A capture or a machine's file: a regular file only (a FIFO or a device
+// would block or never end), read whole within `limit`.
+bool readWhole(const std::string& path, size_t limit, std::string& text, std::string& error)
+{
+    bool cut = false;
+    if (!sys::readRegularFile(path.c_str(), text, limit, &cut))
+        return (error = path + " cannot be read: " + std::strerror(errno)), false;
+    if (cut) return (error = path + " is larger than " + std::to_string(limit >> 20) + " MiB"), false;
+    return true;
+}
+
+// Reads `text` in place as a stream, without a copy.
+class TextBuffer : public std::streambuf {
+public:
+    explicit TextBuffer(std::string& text) { setg(&text[0], &text[0], &text[0] + text.size()); }
+};
+
+bool readMachineText(std::string& text, const std::string& name, bool needVersion, SimulatedSystem& os,
+                     std::string& error)
+{
+    TextBuffer buffer(text);
+    std::istream in(&buffer);
+    return readMachine(in, name, needVersion, os, error);
+}
+
+}  // namespace
+
 bool loadMachine(const std::string& dir, SimulatedSystem& os, std::string& error)
 {
-    std::ifstream in(dir + "/machine.txt");
-    if (!in) {
-        error = dir + "/machine.txt cannot be read";
-        return false;
-    }
-    if (!readMachine(in, "machine.txt", false, os, error)) return false;
+    std::string text;
+    if (!readWhole(dir + "/machine.txt", kMaxCaptureBytes, text, error)) return false;
+    if (!readMachineText(text, "machine.txt", false, os, error)) return false;
     // What its probes print, each from a file of its own.
     for (const char* probe : {"cpuid", "diskscan"}) {
-        std::ifstream output(dir + "/probes/" + probe, std::ios::binary);
-        if (output) os.probes[probe].output.assign(std::istreambuf_iterator<char>(output), {});
+        const std::string path = dir + "/probes/" + probe;
+        struct stat st;
+        if (::lstat(path.c_str(), &st) != 0 && errno == ENOENT) continue;
+        if (!readWhole(path, VT_MAX_OUTPUT_BYTES, text, error)) return false;
+        os.probes[probe].output = text;
     }
     return true;
 }
@@ -541,9 +582,8 @@ bool loadReplay(const std::string& path, SimulatedSystem& os, std::string& error
     struct stat st;
     if (::stat(path.c_str(), &st) != 0) return (error = path + ": " + std::strerror(errno)), false;
     if (S_ISDIR(st.st_mode)) return loadMachine(path, os, error);
-    std::ifstream in(path, std::ios::binary);
-    if (!in) return (error = path + " cannot be read"), false;
-    return readMachine(in, path, true, os, error);
+    std::string text;
+    return readWhole(path, kMaxCaptureBytes, text, error) && readMachineText(text, path, true, os, error);
 }
 
 }  // namespace replay

@@ -9,11 +9,16 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <fstream>
+#include <iterator>
 #include <sstream>
 
 #include "common/replay/MachineFile.h"
 #include "common/replay/Sanitizer.h"
+#include "common/replay/SimulatedSystem.h"
 #include "common/sys/Portable.h"
+
+extern char** environ;
 
 namespace replay {
 
@@ -25,6 +30,50 @@ void writeLines(std::ostream& out, const std::string& text)
     std::istringstream in(text);
     for (std::string line; std::getline(in, line);) out << "> " << line << "\n";
     if (!text.empty() && text.back() != '\n') out << "no-final-newline\n";
+}
+
+// The rule at the end of a compiled zone file of format 2 or later
+// ("CET-1CEST,M3.5.0,M10.5.0/3"); empty when the file is not one.
+std::string zoneFileRule(const std::string& path)
+{
+    std::ifstream in(path, std::ios::binary);
+    std::string data;
+    if (in) data.assign(std::istreambuf_iterator<char>(in), {});
+    if (data.size() < 8 || data.compare(0, 4, "TZif") != 0 || data[4] < '2' || data.back() != '\n') return "";
+    const size_t start = data.rfind('\n', data.size() - 2);
+    if (start == std::string::npos) return "";
+    const std::string rule = data.substr(start + 1, data.size() - start - 2);
+    for (char c : rule)
+        if (c < ' ' || c > '~') return "";
+    return rule;
+}
+
+// The time zone the scan ran in, as a rule a replay needs no zone files
+// for: TZ when it is a rule already, else the rule of the zone file it names
+// (this host's /etc/localtime without TZ); else TZ as it is. `named` gets
+// what TZ said when that was no rule.
+std::string zoneRule(std::string& named)
+{
+    const char* tz = std::getenv("TZ");
+    std::string name = tz ? tz : "";
+    if (!name.empty() && name[0] == ':') name.erase(0, 1);
+    const bool isFile = name.empty() || name.find('/') != std::string::npos ||
+                        name.find_first_of("0123456789") == std::string::npos;
+    if (!isFile) return name;
+    named = tz ? tz : "unset, /etc/localtime";
+    std::vector<std::string> paths;
+    if (name.empty()) paths.push_back("/etc/localtime");
+    else if (name[0] == '/') paths.push_back(name);
+    else {
+        if (const char* dir = std::getenv("TZDIR")) paths.push_back(std::string(dir) + "/" + name);
+        paths.push_back("/usr/share/zoneinfo/" + name);
+        paths.push_back("/usr/share/lib/zoneinfo/" + name);
+    }
+    for (const std::string& path : paths) {
+        const std::string rule = zoneFileRule(path);
+        if (!rule.empty()) return rule;
+    }
+    return tz ? tz : "";
 }
 
 std::string numberText(double value)
@@ -314,9 +363,11 @@ Recorder::Device& Recorder::deviceOf(int fd)
     return m_devices[path];
 }
 
-int Recorder::open(const char* path, int flags)
+int Recorder::open(const char* path, int flags) { return opened(path, m_real.open(path, flags)); }
+int Recorder::openRegular(const char* path) { return opened(path, m_real.openRegular(path)); }
+
+int Recorder::opened(const char* path, int fd)
 {
-    const int fd = m_real.open(path, flags);
     const std::string p = path ? path : "";
     if (fd < 0) {
         fail("open " + p, errno);
@@ -552,10 +603,21 @@ void Recorder::write(std::ostream& out, Sanitizer* s) const
     out << kFormatWord << " " << kFormatVersion << "\n";
     out << "# what a machine answered to one scan" << (s ? " (sanitized)" : "") << "\n";
     // What the scan reads from its environment: the time zone, the locale,
-    // and the switch of the tape-backup check.
-    for (const char* name :
-         {"TZ", "LANG", "LC_ALL", "LC_CTYPE", "LC_MESSAGES", "LANGUAGE", "CHECK_ULTRIUM_TAPE_RUNNING"})
-        if (const char* value = std::getenv(name)) out << "env " << name << " " << value << "\n";
+    // and the switch of the tape-backup check. A replay takes these and
+    // nothing of its own host's: what is not here was not set.
+    std::map<std::string, std::string> environment;
+    for (char** entry = environ; entry && *entry; ++entry) {
+        const std::string text = *entry;
+        const size_t equals = text.find('=');
+        if (equals != std::string::npos && text.compare(0, equals, "TZ") != 0 &&
+            scanReadsVariable(text.substr(0, equals)))
+            environment[text.substr(0, equals)] = text.substr(equals + 1);
+    }
+    std::string zoneName;
+    const std::string zone = zoneRule(zoneName);
+    if (!zoneName.empty() && zone != zoneName) out << "# TZ " << zoneName << ", kept as its zone file's rule\n";
+    if (!zone.empty()) out << "env TZ " << zone << "\n";
+    for (const auto& v : environment) out << "env " << v.first << " " << v.second << "\n";
     if (m_hasHardwareConfig) {
         out << "hwconfig\n";
         writeLines(out, m_hardwareConfig);

@@ -5,11 +5,18 @@
 #include "common/sys/Portable.h"
 
 #include <sys/mman.h>
+#include <unistd.h>
 
 #include <algorithm>
+#include <cctype>
+#include <clocale>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
+#include <ctime>
 #include <sstream>
+
+extern char** environ;
 
 namespace replay {
 
@@ -88,6 +95,42 @@ void SimulatedSystem::addBootTime(long long seconds)
 }
 
 void SimulatedSystem::tzset(sys::TimeZone& zone) { sys::platform().tzset(zone); }
+
+bool scanReadsVariable(const std::string& name)
+{
+    return name == "TZ" || name == "LANG" || name == "LANGUAGE" || name.compare(0, 3, "LC_") == 0 ||
+           name == "CHECK_ULTRIUM_TAPE_RUNNING";
+}
+
+void useMachineEnvironment(const SimulatedSystem& os)
+{
+    std::vector<std::string> hosts;
+    for (char** entry = environ; entry && *entry; ++entry) {
+        const std::string text = *entry;
+        const std::string name = text.substr(0, text.find('='));
+        if (scanReadsVariable(name)) hosts.push_back(name);
+    }
+    for (const std::string& name : hosts) unsetenv(name.c_str());
+    for (const auto& v : os.environment) setenv(v.first.c_str(), v.second.c_str(), 1);
+    // Without TZ a Solaris process keeps GMT; this host's /etc/localtime
+    // must not stand in.
+    if (!os.environment.count("TZ")) setenv("TZ", "UTC0", 1);
+    ::tzset();
+    std::setlocale(LC_CTYPE, "C");
+    if (std::setlocale(LC_CTYPE, "")) return;
+    std::string locale;
+    for (const char* name : {"LC_ALL", "LC_CTYPE", "LANG"}) {
+        auto it = os.environment.find(name);
+        if (it != os.environment.end() && !it->second.empty()) {
+            locale = it->second;
+            break;
+        }
+    }
+    std::string lower;
+    for (char c : locale) lower += static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    if (lower.find("utf-8") != std::string::npos || lower.find("utf8") != std::string::npos)
+        std::setlocale(LC_CTYPE, "C.UTF-8");
+}
 
 struct utmpx* SimulatedSystem::getutxent()
 {

@@ -135,6 +135,10 @@ public:
     // machine's answer all the same.
     std::map<std::string, Command> probes;
     std::map<std::string, int> probeRuns;  // how often each was asked for
+    // The environment variables of the scan, as the machine had them ("env"
+    // lines): a name absent here was not set there. useMachineEnvironment
+    // makes them the process's.
+    std::map<std::string, std::string> environment;
     // The hardware configuration file a capture holds.
     std::string hardwareConfig;
     bool hasHardwareConfig = false;
@@ -227,6 +231,18 @@ private:
 // The fake libv12n or libpool function of that name, or null; it answers
 // from `owner` (null: the current system).
 void* fakeLibraryFunction(const char* symbol, SimulatedSystem* owner = nullptr);
+
+// Whether the scan reads this environment variable: the time zone, the
+// locale's (LANG, LANGUAGE, LC_*) and the tape-backup switch. A capture
+// records these, a replay sets them.
+bool scanReadsVariable(const std::string& name);
+
+// The process takes the machine's environment for all the scan reads of it:
+// every such variable of this host is removed, the machine's are set (a
+// machine without TZ is on UTC), and the time zone and the character locale
+// are taken anew from them (a locale this host lacks: "C.UTF-8" for a UTF-8
+// one, else "C"). Nothing of the replaying host's environment stays.
+void useMachineEnvironment(const SimulatedSystem& os);
 
 // Makes `fake` the current system for a scope.
 class ScopedSystem {

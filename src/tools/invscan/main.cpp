@@ -422,7 +422,8 @@ std::unique_ptr<replay::SimulatedSystem> startReplay(const std::string& path)
         fail("cannot replay " + path + ": " + error);
         return nullptr;
     }
-    tzset();  // the capture's TZ
+    // The capture's environment, none of this host's: time zone, locale.
+    replay::useMachineEnvironment(*simulated);
     // A simulated machine's folder brings its hardware configuration.
     std::error_code ignored;
     if (std::filesystem::is_directory(path, ignored)) NimCfg::setKey("config_dir", path + "/config");
