@@ -11,10 +11,22 @@
 
 namespace {
 
+double processCpuSeconds();
+
+double steadySeconds()
+{
+    return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
+}
+
+void sleepSeconds(double seconds) { std::this_thread::sleep_for(std::chrono::duration<double>(seconds)); }
+
+const CpuThreshold::Clock realClock = {steadySeconds, processCpuSeconds, sleepSeconds};
+
 struct State {
     int threshold = 0;
     int niceApplied = 0;
-    std::chrono::steady_clock::time_point markWall = std::chrono::steady_clock::now();
+    const CpuThreshold::Clock* clock = &realClock;
+    double markWall = steadySeconds();
     double markCpu = 0;
     double lastCpu = 0;
     double lastWall = 0;
@@ -47,8 +59,8 @@ double processCpuSeconds()
 
 void mark(State& s)
 {
-    s.markWall = std::chrono::steady_clock::now();
-    s.markCpu = processCpuSeconds();
+    s.markWall = s.clock->wallSeconds();
+    s.markCpu = s.clock->cpuSeconds();
 }
 
 }  // namespace
@@ -71,23 +83,31 @@ void CpuThreshold::Initialize(int cpuThreshold, int priority)
 void CpuThreshold::doIteration()
 {
     State& s = state();
-    const auto now = std::chrono::steady_clock::now();
-    const double cpu = processCpuSeconds();
-    s.lastWall = std::chrono::duration<double>(now - s.markWall).count();
+    const double now = s.clock->wallSeconds();
+    const double cpu = s.clock->cpuSeconds();
+    s.lastWall = now - s.markWall;
     s.lastCpu = cpu - s.markCpu;
-    s.lastSleep = 0;
-    if (s.threshold > 0 && s.lastWall > 0 && s.lastCpu > 0) {
-        const double share = s.threshold / 100.0;
-        // cpu / (wall + sleep) == share
-        double sleep = s.lastCpu / share - s.lastWall;
-        if (sleep > MAX_SLEEP_MS / 1000.0) sleep = MAX_SLEEP_MS / 1000.0;
-        if (sleep > 0.001) {
-            std::this_thread::sleep_for(std::chrono::duration<double>(sleep));
-            s.lastSleep = sleep;
-            s.totalSleep += sleep;
-        }
+    s.lastSleep = sleepFor(s.threshold, s.lastCpu, s.lastWall);
+    if (s.lastSleep > 0) {
+        s.clock->sleep(s.lastSleep);
+        s.totalSleep += s.lastSleep;
     }
     mark(s);
+}
+
+double CpuThreshold::sleepFor(int threshold, double cpuSeconds, double wallSeconds)
+{
+    if (threshold <= 0 || threshold >= 100 || wallSeconds <= 0 || cpuSeconds <= 0) return 0;
+    // cpu / (wall + sleep) == share
+    double sleep = cpuSeconds / (threshold / 100.0) - wallSeconds;
+    if (sleep > MAX_SLEEP_MS / 1000.0) sleep = MAX_SLEEP_MS / 1000.0;
+    return sleep > 0.001 ? sleep : 0;
+}
+
+void CpuThreshold::setClock(const Clock* clock)
+{
+    state().clock = clock ? clock : &realClock;
+    mark(state());
 }
 
 int CpuThreshold::getThreshold() { return state().threshold; }

@@ -24,4 +24,20 @@ public:
     static double lastSleepSeconds();
     // Sum of every step's sleep since Initialize.
     static double totalSleepSeconds();
+
+    // The sleep a step takes after `cpuSeconds` of CPU over `wallSeconds`
+    // at `threshold` percent: what brings the step's average down to the
+    // percentage, capped at MAX_SLEEP_MS; 0 when off, under the percentage,
+    // or under a millisecond.
+    static double sleepFor(int threshold, double cpuSeconds, double wallSeconds);
+
+    // Where a step reads the time and how it sleeps. Tests put a clock of
+    // their own here, so that what they check does not depend on how a busy
+    // machine schedules them; null restores the real one.
+    struct Clock {
+        double (*wallSeconds)();  // any fixed origin
+        double (*cpuSeconds)();   // this process and its waited-for children
+        void (*sleep)(double seconds);
+    };
+    static void setClock(const Clock* clock);
 };
