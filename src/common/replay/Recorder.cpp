@@ -591,6 +591,11 @@ int Recorder::runCommand(const std::vector<std::string>& argv, int timeoutSecond
     return status;
 }
 
+void Recorder::linesUsed(const char* path, const std::vector<std::string>& lines)
+{
+    if (path) m_usedLines[path].insert(lines.begin(), lines.end());
+}
+
 void Recorder::record(const std::string& command, const std::string& output, int status)
 {
     Output& out = m_probes[command];
@@ -674,8 +679,25 @@ void Recorder::write(std::ostream& out, Sanitizer* s) const
         const Device& d = m_devices.at(path);
         const std::string shown = clean(s, path);
         if (d.isFile) {
+            auto used = m_usedLines.find(path);
+            if (used == m_usedLines.end()) {
+                out << "file " << shown << "\n";
+                writeLines(out, clean(s, d.fileText));
+                continue;
+            }
+            // Of a large database only what the scan looked up: a replay
+            // names the same devices from these lines.
+            std::istringstream lines(d.fileText);
+            std::string kept;
+            size_t read = 0, shownLines = 0;
+            for (std::string line; std::getline(lines, line); ++read) {
+                if (!line.empty() && line.back() == '\r') line.pop_back();
+                if (used->second.count(line)) kept += line + "\n", ++shownLines;
+            }
+            out << "# " << shown << ": only the " << shownLines << " lines the scan looked up, of the " << read
+                << " it read\n";
             out << "file " << shown << "\n";
-            writeLines(out, clean(s, d.fileText));
+            writeLines(out, clean(s, kept));
             continue;
         }
         if (!d.promProperties.empty()) {

@@ -59,6 +59,7 @@ public:
     const char* readdir(sys::Dir* dir) override;
     int closedir(sys::Dir* dir) override;
     int open(const char* path, int flags) override;
+    int openRegular(const char* path) override;
     int close(int fd) override;
     int ioctl(int fd, int request, void* arg) override;
     ssize_t read(int fd, void* buf, size_t count) override;
@@ -66,6 +67,7 @@ public:
     void* mmap(size_t length, int fd, long long offset) override;
     int munmap(void* addr, size_t length) override { return m_real.munmap(addr, length); }
     int statvfs64(const char* path, struct statvfs64* buf) override;
+    void linesUsed(const char* path, const std::vector<std::string>& lines) override;
     void* dlopen(const char* path, int mode) override;
     // The zone reader's libraries answer through recording stand-ins.
     void* dlsym(void* handle, const char* symbol) override;
@@ -129,6 +131,10 @@ public:
 private:
     void fail(const std::string& key, int error) { m_failures.emplace(key, error); }
     Device& deviceOf(int fd);
+    int opened(const char* path, int fd);  // notes an open of `path` (fd, or -1 with errno)
+    // Files of which the scan used only these lines (the PCI id database):
+    // the capture keeps just them.
+    std::map<std::string, std::set<std::string>> m_usedLines;
 
     sys::System& m_real;
     VtProbeTap* m_inner;  // where replayed probe output comes from

@@ -6,6 +6,7 @@
 // Implementations: Solaris (plain forwarding), Linux (real answers from
 // procfs, sysfs and glibc; what Linux lacks fails as on a Solaris machine
 // without it), and the fake in tests/support.
+#include <fcntl.h>
 #include <sys/statvfs.h>
 #include <sys/types.h>
 #include <utmpx.h>
@@ -75,6 +76,11 @@ public:
     virtual const char* readdir(Dir* dir) = 0;  // the next entry's name; null at the end
     virtual int closedir(Dir* dir) = 0;
     virtual int open(const char* path, int flags) = 0;
+    // A file to read, opened only when it is a regular file (checked on the
+    // open descriptor, the open never waiting on a FIFO's writer): a FIFO, a
+    // device or a socket gives -1 with EINVAL, a folder EISDIR. Simulated
+    // files are text in memory, so the default is a plain open.
+    virtual int openRegular(const char* path) { return open(path, O_RDONLY); }
     virtual int close(int fd) = 0;
     virtual int ioctl(int fd, int request, void* arg) = 0;
     virtual ssize_t read(int fd, void* buf, size_t count) = 0;
@@ -85,6 +91,10 @@ public:
     // A mounted file system's sizes; the 64-bit form, so a 32-bit build
     // sees file systems beyond 2^32 blocks.
     virtual int statvfs64(const char* path, struct statvfs64* buf) = 0;
+    // A reader that looked a few lines up in a large file (the PCI id
+    // database) names them after reading it: a recorder keeps only those.
+    // Answers nothing and changes nothing.
+    virtual void linesUsed(const char* /*path*/, const std::vector<std::string>& /*lines*/) {}
 
     // ---- run-time libraries
     virtual void* dlopen(const char* path, int mode) = 0;

@@ -12,6 +12,7 @@
 #include "invscan/com/CatalogueIds.h"
 #include "invscan/com/GroupRegistry.h"
 #include "invscan/solaris/SystemFacts.h"
+#include "common/util/ApiGuard.h"
 
 using systemfacts::trimmed;
 
@@ -120,11 +121,19 @@ bool lookUpPciNames(sys::System& os, const std::vector<PciFunction>& functions, 
     for (const PciFunction& f : functions) wanted.insert({f.vendor, f.device});
     for (const char* path : kDatabases) {
         long vendor = -1;
+        // The lines a name came from, in file order: the vendors' and their
+        // devices'. Whoever records the scan keeps only these.
+        std::vector<std::string> used;
         // The database is long (over a megabyte): stop once every device is named.
         if (util::forEachSystemFileLine(os, path, [&](const std::string& line) {
-                return readPciIdsLine(line, functions, vendor, names) && names.devices.size() < wanted.size();
+                const size_t devices = names.devices.size();
+                const bool going = readPciIdsLine(line, functions, vendor, names);
+                const bool vendorLine = !line.empty() && line[0] != '\t' && line[0] != '#';
+                if ((going && vendorLine && vendor >= 0) || names.devices.size() != devices) used.push_back(line);
+                return going && names.devices.size() < wanted.size();
             })) {
             PCI_TRACE(traceMAX, "hardware %s %s", "PCI names from", path);
+            os.linesUsed(path, used);
             return true;
         }
     }
@@ -167,23 +176,25 @@ PCIDeviceGroup::PCIDeviceGroup() : KorGroup(PCI_DEVICE_GROUP, 1) {}
 
 KorTable* PCIDeviceGroup::getTable()
 {
-    CcLogWrapper::traceMidEntry(getCcLogHw(), __LINE__, kSource, kFunction, "hardware %s", "PCIDeviceGroup");
-    ZPopen prtconf(String("prtconf"), {String("-pv")});
-    if (prtconf.run() != 0) {
-        PCI_TRACE(traceMIN, "hardware %s %d", "ERROR! prtconf -pv failed, status", prtconf.exitStatus());
-        return nullptr;
-    }
-    const std::vector<PciFunction> functions = parsePromNodes(prtconf.lines());
-    if (functions.empty()) {
-        PCI_TRACE(traceMIN, "hardware %s", "ERROR! no PCI functions in the device tree");
-        return nullptr;
-    }
-    PciNames names;
-    lookUpPciNames(sys::current(), functions, names);
-    auto* table = new KorTable(getGroupId(), getGroupVersion());
-    shapePciRows(functions, names, *table);
-    CcLogWrapper::traceMidExit(getCcLogHw(), __LINE__, kSource, kFunction, "hardware %s", "PCIDeviceGroup");
-    return table;
+    return api::guardedTable("PCIDeviceGroup::getTable()", [&]() -> KorTable* {
+        CcLogWrapper::traceMidEntry(getCcLogHw(), __LINE__, kSource, kFunction, "hardware %s", "PCIDeviceGroup");
+        ZPopen prtconf(String("prtconf"), {String("-pv")});
+        if (prtconf.run() != 0) {
+            PCI_TRACE(traceMIN, "hardware %s %d", "ERROR! prtconf -pv failed, status", prtconf.exitStatus());
+            return nullptr;
+        }
+        const std::vector<PciFunction> functions = parsePromNodes(prtconf.lines());
+        if (functions.empty()) {
+            PCI_TRACE(traceMIN, "hardware %s", "ERROR! no PCI functions in the device tree");
+            return nullptr;
+        }
+        PciNames names;
+        lookUpPciNames(sys::current(), functions, names);
+        auto* table = new KorTable(getGroupId(), getGroupVersion());
+        shapePciRows(functions, names, *table);
+        CcLogWrapper::traceMidExit(getCcLogHw(), __LINE__, kSource, kFunction, "hardware %s", "PCIDeviceGroup");
+        return table;
+    });
 }
 
 INVSCAN_REGISTER_GROUP(PCI_DEVICE_GROUP, PCIDeviceGroup);

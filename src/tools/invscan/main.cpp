@@ -65,6 +65,7 @@ struct Options {
     std::string capture;  // where a capture goes
     bool sanitize = false;
     bool force = false;   // a capture may replace an existing file
+    bool noHwConfig = false;  // a capture without one: its machine had none, this host's does not stand in
 };
 
 struct Wanted {
@@ -240,7 +241,9 @@ int runScan(const Options& options)
 
     // The host's calling order.
     factory->initialise();
-    const String hwConfig = options.hwConfig.empty() ? factory->getHWConfigFile() : String(options.hwConfig);
+    const String hwConfig = options.noHwConfig       ? String()
+                            : options.hwConfig.empty() ? factory->getHWConfigFile()
+                                                       : String(options.hwConfig);
     const int loaded = factory->loadNodeFromFile(hwConfig, 0);
     if (loaded != 0 && !options.hwConfig.empty()) {
         fail("cannot use hardware configuration " + options.hwConfig + ": " + XmlNimParser::statusText(loaded));
@@ -250,6 +253,7 @@ int runScan(const Options& options)
 
     const bool json = options.format == "json";
     const bool kor = options.format == "kor";
+    const bool brief = options.format == "short";
     nlohmann::ordered_json results = nlohmann::ordered_json::array();
     // A group whose source failed is no usage error, but a scan in which
     // every group that could run gave nothing has failed.
@@ -276,6 +280,8 @@ int runScan(const Options& options)
                 entry["status"] = notRun;
                 entry["tables"] = nlohmann::ordered_json::array();
                 results.push_back(std::move(entry));
+            } else if (brief) {
+                std::printf("%s", shortNote(one.name, notRun).c_str());
             } else {
                 std::printf("%s (group %lu): %s (%s)\n\n", one.name.c_str(), one.id, notRun.c_str(),
                             notRun == "excluded" ? "hwscanner.exclude" : "the scan's deadline had passed");
@@ -296,6 +302,8 @@ int runScan(const Options& options)
                 entry["status"] = "no class";
                 entry["tables"] = nlohmann::ordered_json::array();
                 results.push_back(std::move(entry));
+            } else if (brief) {
+                std::printf("%s", shortNote(one.name, "not built yet").c_str());
             } else {
                 std::printf("%s (group %lu): not built yet\n\n", one.name.c_str(), one.id);
             }
@@ -312,6 +320,8 @@ int runScan(const Options& options)
                 entry["status"] = "no table";
                 entry["tables"] = nlohmann::ordered_json::array();
                 results.push_back(std::move(entry));
+            } else if (brief) {
+                std::printf("%s", shortNote(one.name, "no table").c_str());
             } else {
                 std::printf("%s (group %lu): no table (nothing found, or the source failed)\n\n",
                             one.name.c_str(), one.id);
@@ -322,6 +332,8 @@ int runScan(const Options& options)
             for (KorTable* table : tables) {
                 if (json) {
                     rendered.push_back(renderJson(*table));
+                } else if (brief) {
+                    std::printf("%s", renderShort(*table).c_str());
                 } else if (kor) {
                     table->toString();
                     std::printf("\n\n");
@@ -530,7 +542,8 @@ int runCapture(const Options& options, replay::SimulatedSystem* replaying)
         options.hwConfig.empty() ? GroupFactory::getInstance()->getHWConfigFile().narrow() : options.hwConfig;
     std::string config;
     bool cut = false;
-    if (sys::readRegularFile(hwConfig.c_str(), config, XmlNimParser::DEFAULT_MAX_BYTES, &cut) && !cut)
+    if (!options.noHwConfig &&
+        sys::readRegularFile(hwConfig.c_str(), config, XmlNimParser::DEFAULT_MAX_BYTES, &cut) && !cut)
         recorder.keepHardwareConfig(config);
     replay::Sanitizer sanitizer;
     std::ostringstream text;
@@ -554,7 +567,7 @@ int run(int argc, char** argv)
     app.set_version_flag("--version", versionText());
     app.require_subcommand(0, 1);
     app.add_option("--format", options.format, "Output: text (readable), kor (diagnostic dump) or json")
-        ->check(CLI::IsMember({"text", "kor", "json"}))
+        ->check(CLI::IsMember({"text", "short", "kor", "json"}))
         ->capture_default_str();
     app.add_option("--config", options.configFile, "Configuration file of key=value lines")
         ->type_name("FILE");
@@ -646,6 +659,10 @@ int run(int argc, char** argv)
         close(fd);
         heldConfig = options.hwConfig = path;
     }
+    std::error_code notFolder;
+    if (simulated && !simulated->hasHardwareConfig && options.hwConfig.empty() &&
+        !std::filesystem::is_directory(options.replay, notFolder))
+        options.noHwConfig = true;
     const int code = probe->parsed()     ? runProbe(probeName, simulated != nullptr)
                      : capture->parsed() ? runCapture(options, simulated.get())
                                          : runScan(options);

@@ -14,6 +14,8 @@
 #include <memory>
 #include <sstream>
 
+#include "common/replay/MachineFile.h"
+#include "common/replay/Recorder.h"
 #include "common/sys/System.h"
 #include "invscan/com/CatalogueIds.h"
 #include "invscan/com/KorTable.h"
@@ -277,6 +279,46 @@ TEST(SystemDescription, PromNodesAndTheIdDatabase)
     EXPECT_EQ(pciName(unknown, names), "Intel Corporation Device abcd");
     unknown.vendor = 0x1234;
     EXPECT_EQ(pciName(unknown, names), "Vendor 1234 Device abcd");
+}
+
+// A capture keeps only the database lines the scan took names from, and its
+// replay names every device alike. A device line that reads the same under
+// another vendor stays too: dropping it could drop the one that named.
+TEST(SystemDescription, ACaptureKeepsOnlyThePciIdLinesLookedUp)
+{
+    std::vector<PciFunction> functions(3);
+    functions[0].vendor = 0x8086, functions[0].device = 0x1237;
+    functions[1].vendor = 0x1af4, functions[1].device = 0x1041;
+    functions[2].vendor = 0x15ad, functions[2].device = 0x0405;  // in no database line
+    FakeSystem machine;
+    machine.files["/usr/share/hwdata/pci.ids"] =
+        "# a comment\n0e11  Compaq\n\t1237  440FX [Natoma]\n8086  Intel Corporation\n\t1237  440FX [Natoma]\n"
+        "\t\t8086 1237  a subsystem\n\t7190  not wanted\n10de  NVIDIA\n\t0020  not wanted\n"
+        "1af4  Red Hat, Inc.\n\t1041  Virtio network device\nC 00  Unclassified device\n15ad  VMware\n";
+    PciNames live;
+    std::ostringstream capture;
+    {
+        replay::Recorder recorder(machine, nullptr);
+        ASSERT_TRUE(lookUpPciNames(recorder, functions, live));
+        recorder.write(capture, nullptr);
+    }
+    EXPECT_EQ(pciName(functions[0], live), "Intel Corporation 440FX [Natoma]");
+    const std::string text = capture.str();
+    const size_t at = text.find("file /usr/share/hwdata/pci.ids\n");
+    ASSERT_NE(at, std::string::npos) << text;
+    EXPECT_EQ(text.substr(at, text.find("\n\n", at) - at + 1),
+              "file /usr/share/hwdata/pci.ids\n> \t1237  440FX [Natoma]\n> 8086  Intel Corporation\n"
+              "> \t1237  440FX [Natoma]\n> 1af4  Red Hat, Inc.\n> \t1041  Virtio network device\n");
+    EXPECT_NE(text.find("only the 5 lines the scan looked up, of the 13 it read"), std::string::npos) << text;
+
+    FakeSystem replayed;
+    std::istringstream in(text + "end-of-capture\n");
+    std::string error;
+    ASSERT_TRUE(replay::readMachine(in, "capture", true, replayed, error)) << error;
+    PciNames again;
+    ASSERT_TRUE(lookUpPciNames(replayed, functions, again));
+    EXPECT_EQ(again.vendors, live.vendors);
+    EXPECT_EQ(again.devices, live.devices);
 }
 
 TEST(SystemDescription, RealPromTree)
