@@ -2,6 +2,8 @@
 
 #include <cstring>
 
+#include "common/util/ApiGuard.h"
+
 const char* getGroupNameFromId(const korGroupDef* defs, unsigned long groupId)
 {
     const korGroupDef* g = getGroupDefinitionFromId(defs, groupId);
@@ -36,8 +38,10 @@ const korGroupDef* findByName(const char* name)
 
 unsigned long getGroupIdFromName(const String& name)
 {
-    const korGroupDef* g = findByName(name.narrow().c_str());
-    return g ? g->id : 0;
+    return api::guarded<unsigned long>("./../../../src/invscan/com/Catalogue", "getGroupIdFromName", 0, [&] {
+        const korGroupDef* g = findByName(name.narrow().c_str());
+        return g ? static_cast<unsigned long>(g->id) : 0ul;
+    });
 }
 
 unsigned long getDebugMaskFromName(const char* name)

@@ -1,5 +1,6 @@
 #include "invscan/com/Render.h"
 
+#include "common/util/ApiGuard.h"
 #include "invscan/com/KorValue.h"
 
 #include <clocale>
@@ -11,6 +12,8 @@
 #include <string>
 
 namespace {
+const char* const kSource = "./../../../src/invscan/com/Render";
+
 // Writes one wide character to a narrow or wide stream: a byte-oriented
 // stream (stdout after printf) would refuse fputwc.
 void putWide(FILE* stream, wchar_t c)
@@ -57,11 +60,15 @@ unsigned long StringToKorString(const char* source, KorString* destination, unsi
     uint32_t count = 1;
     if (source && *source && room >= 8) {
         const size_t limit = (room - 4) / 4;  // characters that fit, terminator included
-        std::wstring wide(limit, L'\0');
-        const size_t n = std::mbstowcs(&wide[0], source, limit);
-        if (n != static_cast<size_t>(-1) && n < limit) {
-            count = static_cast<uint32_t>(n + 1);
-            std::memcpy(chars, wide.c_str(), 4 * count);
+        try {
+            std::wstring wide(limit, L'\0');
+            const size_t n = std::mbstowcs(&wide[0], source, limit);
+            if (n != static_cast<size_t>(-1) && n < limit) {
+                count = static_cast<uint32_t>(n + 1);
+                std::memcpy(chars, wide.c_str(), 4 * count);
+            }
+        } catch (const std::exception& e) {
+            api::traceStopped(kSource, "StringToKorString", e.what());  // written as the empty string
         }
     }
     if (count == 1) std::memset(chars, 0, 4);
@@ -88,27 +95,30 @@ void TimeToKorDateTime(long secondsSinceEpoch, char* destination)
 
 wchar_t* dmtf_escape(wchar_t* text)
 {
-    if (!text || !*text) return text;
-    const size_t length = std::wcslen(text);
-    wchar_t* out = new wchar_t[4 * length + 1];
-    wchar_t* w = out;
-    static const wchar_t hex[] = L"0123456789abcdef";
-    for (const wchar_t* r = text; *r; ++r) {
-        const wchar_t c = *r;
-        if (c == L'\\' || c == L'"') {
-            *w++ = L'\\';
-            *w++ = c;
-        } else if (c >= 1 && c <= 31) {
-            *w++ = L'\\';
-            *w++ = L'x';
-            *w++ = hex[(c >> 4) & 15];
-            *w++ = hex[c & 15];
-        } else {
-            *w++ = c;
+    // Out of memory gives null: the caller owns what comes back, never its own text.
+    return api::guarded<wchar_t*>(kSource, "dmtf_escape", nullptr, [&]() -> wchar_t* {
+        if (!text || !*text) return text;
+        const size_t length = std::wcslen(text);
+        wchar_t* out = new wchar_t[4 * length + 1];
+        wchar_t* w = out;
+        static const wchar_t hex[] = L"0123456789abcdef";
+        for (const wchar_t* r = text; *r; ++r) {
+            const wchar_t c = *r;
+            if (c == L'\\' || c == L'"') {
+                *w++ = L'\\';
+                *w++ = c;
+            } else if (c >= 1 && c <= 31) {
+                *w++ = L'\\';
+                *w++ = L'x';
+                *w++ = hex[(c >> 4) & 15];
+                *w++ = hex[c & 15];
+            } else {
+                *w++ = c;
+            }
         }
-    }
-    *w = L'\0';
-    return out;
+        *w = L'\0';
+        return out;
+    });
 }
 
 const char* getKorAttribTypeAsString(unsigned long type)
@@ -121,20 +131,24 @@ const char* getKorAttribTypeAsString(unsigned long type)
 
 void PrintKorFloat(FILE* stream, double value)
 {
-    if (!stream) stream = stdout;
-    const char* current = std::setlocale(LC_NUMERIC, nullptr);
-    const std::string saved = current ? current : "C";
-    std::setlocale(LC_NUMERIC, "C");
-    std::fprintf(stream, "%f", value);
-    std::setlocale(LC_NUMERIC, saved.c_str());
+    api::guardedCall(kSource, "PrintKorFloat", [&] {
+        if (!stream) stream = stdout;
+        const char* current = std::setlocale(LC_NUMERIC, nullptr);
+        const std::string saved = current ? current : "C";
+        std::setlocale(LC_NUMERIC, "C");
+        std::fprintf(stream, "%f", value);
+        std::setlocale(LC_NUMERIC, saved.c_str());
+    });
 }
 
 void PrintKorStringToFile(FILE* stream, const KorString* korString)
 {
-    if (!korString || korString->count < 1) return;
-    std::wstring text;
-    const auto* at = reinterpret_cast<const unsigned char*>(korString);
-    if (decodeKorString(at, SizeofKorString(korString), text, nullptr)) printWide(stream, text);
+    api::guardedCall(kSource, "PrintKorStringToFile", [&] {
+        if (!korString || korString->count < 1) return;
+        std::wstring text;
+        const auto* at = reinterpret_cast<const unsigned char*>(korString);
+        if (decodeKorString(at, SizeofKorString(korString), text, nullptr)) printWide(stream, text);
+    });
 }
 
 void PrintOctetStringToFile(FILE* stream, const unsigned char* bytes, unsigned long length)
@@ -220,20 +234,24 @@ void printValue(FILE* stream, const KorValue& v, bool decoded, bool verbose)
 
 void PrintKorAttribValue(const unsigned char* block)
 {
-    if (!block) return;
-    KorValue v;
-    const bool decoded = decodeKorValue(block, v);
-    std::printf("\n\t\t---len      : %lu", static_cast<unsigned long>(v.size));
-    std::printf("\n\t\t   attribId : x%08X", v.id);
-    std::printf("\n\t\t   kor_type : %lu (%s)", static_cast<unsigned long>(v.type), getKorAttribTypeAsString(v.type));
-    std::printf("\n\t\t   value    : ");
-    printValue(stdout, v, decoded, true);
+    api::guardedCall(kSource, "PrintKorAttribValue", [&] {
+        if (!block) return;
+        KorValue v;
+        const bool decoded = decodeKorValue(block, v);
+        std::printf("\n\t\t---len      : %lu", static_cast<unsigned long>(v.size));
+        std::printf("\n\t\t   attribId : x%08X", v.id);
+        std::printf("\n\t\t   kor_type : %lu (%s)", static_cast<unsigned long>(v.type), getKorAttribTypeAsString(v.type));
+        std::printf("\n\t\t   value    : ");
+        printValue(stdout, v, decoded, true);
+    });
 }
 
 void PrintKorAttribValueToFile(FILE* stream, const unsigned char* block)
 {
-    if (!stream || !block) return;
-    KorValue v;
-    const bool decoded = decodeKorValue(block, v);
-    printValue(stream, v, decoded, false);
+    api::guardedCall(kSource, "PrintKorAttribValueToFile", [&] {
+        if (!stream || !block) return;
+        KorValue v;
+        const bool decoded = decodeKorValue(block, v);
+        printValue(stream, v, decoded, false);
+    });
 }

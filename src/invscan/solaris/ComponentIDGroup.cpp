@@ -14,6 +14,7 @@
 #include "invscan/com/GroupRegistry.h"
 #include "invscan/com/KorTable.h"
 #include "invscan/solaris/ProcessorGroup.h"
+#include "common/util/ApiGuard.h"
 
 namespace {
 
@@ -112,46 +113,48 @@ ComponentIDGroup::ComponentIDGroup() : KorGroup(COMPONENT_ID_GROUP, 1) {}
 
 KorTable* ComponentIDGroup::getTable()
 {
-    const char* fn = "getTable()";
-    CcLogWrapper::traceMidEntry(getCcLogHw(), __LINE__, kSource, fn, "hardware %s", "ComponentIDGroup");
-    ComponentIdentity id;
-    char *manufacturer = nullptr, *product = nullptr, *type = nullptr, *version = nullptr, *serial = nullptr;
-    if (SMBIOS_GetSystemInfo(&manufacturer, &product, &type, &version, &serial) == -1) {
-        CID_TRACE(traceMAX, fn, "hardware %s", "Unable to READ the SMBIOS INFO");
-    } else {
-        CID_TRACE(traceMAX, fn, "hardware Manufacter=<%s>", manufacturer);  // spelled so, as hosts grep it
-        CID_TRACE(traceMAX, fn, "hardware Product=<%s>", product);
-        CID_TRACE(traceMAX, fn, "hardware Version=<%s>", version);
-        CID_TRACE(traceMAX, fn, "hardware SerialNumber=<%s>", serial);
-        CID_TRACE(traceMAX, fn, "hardware Type=<%s>", type);
-    }
-    id.manufacturer = take(manufacturer);
-    id.product = take(product);
-    id.type = take(type);
-    id.serial = take(serial);
-    take(version);
-    if (id.serial.empty()) {
-        CID_TRACE(traceMAX, fn, "hardware %s", "get serial number using sysinfo...");
-        id.serial = sysinfoText(SI_HW_SERIAL);
-    }
-    if (id.manufacturer.empty()) id.manufacturer = sysinfoText(SI_HW_PROVIDER);
-    if (id.product.empty()) {
-        id.product = take(getBanner());
-        if (id.product.empty()) id.product = sysinfoText(SI_PLATFORM);
-    }
-    if (id.type.empty()) {
-        id.type = typeFromPlatform(sysinfoText(SI_PLATFORM, 64));
-        CID_TRACE(traceMAX, fn, "hardware Type retrieved=%s", id.type.c_str());
-    }
-    id.platform = sysinfoText(SI_PLATFORM);
-    CID_TRACE(traceMAX, fn, "hardware si_platform=%s", id.platform.c_str());
-    id.hwSerial = sysinfoText(SI_HW_SERIAL);
-    CID_TRACE(traceMAX, fn, "hardware si_hwserial=%s", id.hwSerial.c_str());
+    return api::guardedTable("ComponentIDGroup::getTable()", [&]() -> KorTable* {
+        const char* fn = "getTable()";
+        CcLogWrapper::traceMidEntry(getCcLogHw(), __LINE__, kSource, fn, "hardware %s", "ComponentIDGroup");
+        ComponentIdentity id;
+        char *manufacturer = nullptr, *product = nullptr, *type = nullptr, *version = nullptr, *serial = nullptr;
+        if (SMBIOS_GetSystemInfo(&manufacturer, &product, &type, &version, &serial) == -1) {
+            CID_TRACE(traceMAX, fn, "hardware %s", "Unable to READ the SMBIOS INFO");
+        } else {
+            CID_TRACE(traceMAX, fn, "hardware Manufacter=<%s>", manufacturer);  // spelled so, as hosts grep it
+            CID_TRACE(traceMAX, fn, "hardware Product=<%s>", product);
+            CID_TRACE(traceMAX, fn, "hardware Version=<%s>", version);
+            CID_TRACE(traceMAX, fn, "hardware SerialNumber=<%s>", serial);
+            CID_TRACE(traceMAX, fn, "hardware Type=<%s>", type);
+        }
+        id.manufacturer = take(manufacturer);
+        id.product = take(product);
+        id.type = take(type);
+        id.serial = take(serial);
+        take(version);
+        if (id.serial.empty()) {
+            CID_TRACE(traceMAX, fn, "hardware %s", "get serial number using sysinfo...");
+            id.serial = sysinfoText(SI_HW_SERIAL);
+        }
+        if (id.manufacturer.empty()) id.manufacturer = sysinfoText(SI_HW_PROVIDER);
+        if (id.product.empty()) {
+            id.product = take(getBanner());
+            if (id.product.empty()) id.product = sysinfoText(SI_PLATFORM);
+        }
+        if (id.type.empty()) {
+            id.type = typeFromPlatform(sysinfoText(SI_PLATFORM, 64));
+            CID_TRACE(traceMAX, fn, "hardware Type retrieved=%s", id.type.c_str());
+        }
+        id.platform = sysinfoText(SI_PLATFORM);
+        CID_TRACE(traceMAX, fn, "hardware si_platform=%s", id.platform.c_str());
+        id.hwSerial = sysinfoText(SI_HW_SERIAL);
+        CID_TRACE(traceMAX, fn, "hardware si_hwserial=%s", id.hwSerial.c_str());
 
-    auto* table = new KorTable(getGroupId(), getGroupVersion());
-    shapeComponentIdRow(id, *table);
-    CcLogWrapper::traceMidExit(getCcLogHw(), __LINE__, kSource, fn, "hardware %s", "ComponentIDGroup");
-    return table;
+        auto* table = new KorTable(getGroupId(), getGroupVersion());
+        shapeComponentIdRow(id, *table);
+        CcLogWrapper::traceMidExit(getCcLogHw(), __LINE__, kSource, fn, "hardware %s", "ComponentIDGroup");
+        return table;
+    });
 }
 
 INVSCAN_REGISTER_GROUP(COMPONENT_ID_GROUP, ComponentIDGroup);

@@ -7,6 +7,7 @@
 #include "framework/Trace.h"
 #include "invscan/com/CatalogueIds.h"
 #include "invscan/com/GroupRegistry.h"
+#include "common/util/ApiGuard.h"
 
 namespace {
 const char* const kSource = "./../../../src/invscan/solaris/CpuMeterGroup";
@@ -80,32 +81,36 @@ CpuMeterGroup::CpuMeterGroup() : KorGroup(CPU_METER_GROUP, 1) {}
 
 KorTable* CpuMeterGroup::getTable()
 {
-    const std::string name = getGroupName().narrow();
-    CcLogWrapper::traceMidEntry(getCcLogHw(), __LINE__, kSource, kFunction, "hardware %s", name.c_str());
-    CpuTicks ticks;
-    if (!gatherCpuTicks(sys::current(), ticks)) return nullptr;
-    auto* table = new KorTable(getGroupId(), getGroupVersion());
-    shapeCpuMeterRow(ticks, *table);
-    CcLogWrapper::traceMidExit(getCcLogHw(), __LINE__, kSource, kFunction, "hardware %s", name.c_str());
-    return table;
+    return api::guardedTable("CpuMeterGroup::getTable()", [&]() -> KorTable* {
+        const std::string name = getGroupName().narrow();
+        CcLogWrapper::traceMidEntry(getCcLogHw(), __LINE__, kSource, kFunction, "hardware %s", name.c_str());
+        CpuTicks ticks;
+        if (!gatherCpuTicks(sys::current(), ticks)) return nullptr;
+        auto* table = new KorTable(getGroupId(), getGroupVersion());
+        shapeCpuMeterRow(ticks, *table);
+        CcLogWrapper::traceMidExit(getCcLogHw(), __LINE__, kSource, kFunction, "hardware %s", name.c_str());
+        return table;
+    });
 }
 
 UnixCpuMeterGroup::UnixCpuMeterGroup() : KorGroup(UNIX_CPU_METER_GROUP, 1) {}
 
 KorTable* UnixCpuMeterGroup::getTable()
 {
-    const std::string name = getGroupName().narrow();
-    CcLogWrapper::traceMidEntry(getCcLogHw(), __LINE__, kSource, kFunction, "hardware %s", name.c_str());
-    double loads[3] = {0, 0, 0};
-    if (sys::current().getloadavg(loads, 3) == -1) {
-        METER_TRACE(traceMAX, "hardware %s", "Failed to obtain load averages");
-        return nullptr;
-    }
-    METER_TRACE(traceMAX, "hardware loadAvg1=%.6f, loadAvg5=%.6f, loadAvg15=%.6f", loads[0], loads[1], loads[2]);
-    auto* table = new KorTable(getGroupId(), getGroupVersion());
-    shapeLoadRow(loads, *table);
-    CcLogWrapper::traceMidExit(getCcLogHw(), __LINE__, kSource, kFunction, "hardware %s", name.c_str());
-    return table;
+    return api::guardedTable("UnixCpuMeterGroup::getTable()", [&]() -> KorTable* {
+        const std::string name = getGroupName().narrow();
+        CcLogWrapper::traceMidEntry(getCcLogHw(), __LINE__, kSource, kFunction, "hardware %s", name.c_str());
+        double loads[3] = {0, 0, 0};
+        if (sys::current().getloadavg(loads, 3) == -1) {
+            METER_TRACE(traceMAX, "hardware %s", "Failed to obtain load averages");
+            return nullptr;
+        }
+        METER_TRACE(traceMAX, "hardware loadAvg1=%.6f, loadAvg5=%.6f, loadAvg15=%.6f", loads[0], loads[1], loads[2]);
+        auto* table = new KorTable(getGroupId(), getGroupVersion());
+        shapeLoadRow(loads, *table);
+        CcLogWrapper::traceMidExit(getCcLogHw(), __LINE__, kSource, kFunction, "hardware %s", name.c_str());
+        return table;
+    });
 }
 
 INVSCAN_REGISTER_GROUP(CPU_METER_GROUP, CpuMeterGroup);

@@ -10,6 +10,7 @@
 #include "invscan/com/CatalogueIds.h"
 #include "invscan/com/GroupRegistry.h"
 #include "invscan/solaris/SystemFacts.h"
+#include "common/util/ApiGuard.h"
 
 using systemfacts::trimmed;
 
@@ -114,22 +115,24 @@ KeyboardGroup::KeyboardGroup() : KorGroup(KEYBOARD_GROUP, 1) {}
 
 KorTable* KeyboardGroup::getTable()
 {
-    CcLogWrapper::traceMidEntry(getCcLogHw(), __LINE__, kSource, kFunction, "hardware %s", "KeyboardGroup");
-    sys::System& os = sys::current();
-    KeyboardFacts facts;
-    ZPopen kbd(String("kbd"), {String("-t"), String("-l")});
-    const bool told = kbd.run() == 0 && parseKbdOutput(kbd.lines(), facts);
-    if (!told) {
-        // A server without a keyboard: kbd cannot open the device.
-        KBD_TRACE(traceMIN, "hardware %s %d", "ERROR! kbd -t -l failed, status", kbd.exitStatus());
-        return nullptr;
-    }
-    applyKeyboardDefaults(systemfacts::readSettings(os, kDefaults), facts);
-    facts.layout = layoutName(os, facts.layout);
-    auto* table = new KorTable(getGroupId(), getGroupVersion());
-    shapeKeyboardRow(facts, *table);
-    CcLogWrapper::traceMidExit(getCcLogHw(), __LINE__, kSource, kFunction, "hardware %s", "KeyboardGroup");
-    return table;
+    return api::guardedTable("KeyboardGroup::getTable()", [&]() -> KorTable* {
+        CcLogWrapper::traceMidEntry(getCcLogHw(), __LINE__, kSource, kFunction, "hardware %s", "KeyboardGroup");
+        sys::System& os = sys::current();
+        KeyboardFacts facts;
+        ZPopen kbd(String("kbd"), {String("-t"), String("-l")});
+        const bool told = kbd.run() == 0 && parseKbdOutput(kbd.lines(), facts);
+        if (!told) {
+            // A server without a keyboard: kbd cannot open the device.
+            KBD_TRACE(traceMIN, "hardware %s %d", "ERROR! kbd -t -l failed, status", kbd.exitStatus());
+            return nullptr;
+        }
+        applyKeyboardDefaults(systemfacts::readSettings(os, kDefaults), facts);
+        facts.layout = layoutName(os, facts.layout);
+        auto* table = new KorTable(getGroupId(), getGroupVersion());
+        shapeKeyboardRow(facts, *table);
+        CcLogWrapper::traceMidExit(getCcLogHw(), __LINE__, kSource, kFunction, "hardware %s", "KeyboardGroup");
+        return table;
+    });
 }
 
 INVSCAN_REGISTER_GROUP(KEYBOARD_GROUP, KeyboardGroup);

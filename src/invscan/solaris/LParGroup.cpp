@@ -11,6 +11,7 @@
 #include "invscan/com/GroupRegistry.h"
 #include "invscan/com/KorTable.h"
 #include "invscan/com/probeVT.h"
+#include "common/util/ApiGuard.h"
 
 namespace {
 
@@ -191,39 +192,41 @@ LParGroup::LParGroup() : KorGroup(LPAR_GROUP, 1) {}
 
 KorTable* LParGroup::getTable()
 {
-    CcLogWrapper::traceMidEntry(getCcLogHw(), __LINE__, kSource, kFunction, "hardware %s", "LParGroup");
-    std::string smbiosSerial;
-    char *manufacturer = nullptr, *product = nullptr, *type = nullptr, *version = nullptr, *serial = nullptr;
-    if (SMBIOS_GetSystemInfo(&manufacturer, &product, &type, &version, &serial) == -1) {
-        LPAR_TRACE(traceMAX, "hardware %s", "Unable to READ the SMBIOS INFO");
-        char buffer[1024];
-        smbiosSerial = sys::current().sysinfo(SI_HW_SERIAL, buffer, sizeof buffer) == -1 ? "" : buffer;
-        LPAR_TRACE(traceMAX, "getting serial number from sysinfo SI_HW_SERIAL: '%s'", smbiosSerial.c_str());
-    } else {
-        const std::string m = takeTrimmed(manufacturer), p = takeTrimmed(product), v = takeTrimmed(version);
-        smbiosSerial = takeTrimmed(serial);
-        const std::string t = takeTrimmed(type);
-        LPAR_TRACE(traceMAX, "hardware Manufacter=<%s>", m.c_str());  // spelled so, as hosts grep it
-        LPAR_TRACE(traceMAX, "hardware Product=<%s>", p.c_str());
-        LPAR_TRACE(traceMAX, "hardware Version=<%s>", v.c_str());
-        LPAR_TRACE(traceMAX, "hardware SerialNumber=<%s>", smbiosSerial.c_str());
-        LPAR_TRACE(traceMAX, "hardware Type=<%s>", t.c_str());
-    }
-    LparChips chips;
-    if (!gatherLparChips(getCpuidVT(), chips)) return nullptr;
-    LparZone zone;
-    if (chips.allChipsRead) {  // the zone is read only for a row that reports it
-        const std::shared_ptr<const Zone> z = scanZone();
-        zone.inside = z->isInsideZone();
-        zone.global = z->isGlobalZone();
-        zone.kernel = z->isKernelZone();
-        zone.inPool = z->isInsidePool();
-        zone.info = z->getZoneInfo();
-    }
-    auto* table = new KorTable(getGroupId(), getGroupVersion());
-    shapeLparRow(chips, zone, smbiosSerial, *table);
-    CcLogWrapper::traceMidExit(getCcLogHw(), __LINE__, kSource, kFunction, "hardware %s", "LParGroup");
-    return table;
+    return api::guardedTable("LParGroup::getTable()", [&]() -> KorTable* {
+        CcLogWrapper::traceMidEntry(getCcLogHw(), __LINE__, kSource, kFunction, "hardware %s", "LParGroup");
+        std::string smbiosSerial;
+        char *manufacturer = nullptr, *product = nullptr, *type = nullptr, *version = nullptr, *serial = nullptr;
+        if (SMBIOS_GetSystemInfo(&manufacturer, &product, &type, &version, &serial) == -1) {
+            LPAR_TRACE(traceMAX, "hardware %s", "Unable to READ the SMBIOS INFO");
+            char buffer[1024];
+            smbiosSerial = sys::current().sysinfo(SI_HW_SERIAL, buffer, sizeof buffer) == -1 ? "" : buffer;
+            LPAR_TRACE(traceMAX, "getting serial number from sysinfo SI_HW_SERIAL: '%s'", smbiosSerial.c_str());
+        } else {
+            const std::string m = takeTrimmed(manufacturer), p = takeTrimmed(product), v = takeTrimmed(version);
+            smbiosSerial = takeTrimmed(serial);
+            const std::string t = takeTrimmed(type);
+            LPAR_TRACE(traceMAX, "hardware Manufacter=<%s>", m.c_str());  // spelled so, as hosts grep it
+            LPAR_TRACE(traceMAX, "hardware Product=<%s>", p.c_str());
+            LPAR_TRACE(traceMAX, "hardware Version=<%s>", v.c_str());
+            LPAR_TRACE(traceMAX, "hardware SerialNumber=<%s>", smbiosSerial.c_str());
+            LPAR_TRACE(traceMAX, "hardware Type=<%s>", t.c_str());
+        }
+        LparChips chips;
+        if (!gatherLparChips(getCpuidVT(), chips)) return nullptr;
+        LparZone zone;
+        if (chips.allChipsRead) {  // the zone is read only for a row that reports it
+            const std::shared_ptr<const Zone> z = scanZone();
+            zone.inside = z->isInsideZone();
+            zone.global = z->isGlobalZone();
+            zone.kernel = z->isKernelZone();
+            zone.inPool = z->isInsidePool();
+            zone.info = z->getZoneInfo();
+        }
+        auto* table = new KorTable(getGroupId(), getGroupVersion());
+        shapeLparRow(chips, zone, smbiosSerial, *table);
+        CcLogWrapper::traceMidExit(getCcLogHw(), __LINE__, kSource, kFunction, "hardware %s", "LParGroup");
+        return table;
+    });
 }
 
 INVSCAN_REGISTER_GROUP(LPAR_GROUP, LParGroup);

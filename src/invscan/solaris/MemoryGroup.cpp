@@ -10,6 +10,7 @@
 #include "framework/Trace.h"
 #include "invscan/com/CatalogueIds.h"
 #include "invscan/com/GroupRegistry.h"
+#include "common/util/ApiGuard.h"
 
 namespace {
 
@@ -154,13 +155,15 @@ MemoryGroup::MemoryGroup() : KorGroup(MEMORY_GROUP, 1) {}
 
 KorTable* MemoryGroup::getTable()
 {
-    CcLogWrapper::traceMidEntry(getCcLogHw(), __LINE__, kSource, kFunction, "hardware %s", "MemoryGroup");
-    const MemoryFacts facts = gatherMemoryFacts(sys::current());
-    auto* table = new KorTable(getGroupId(), getGroupVersion());
-    MEM_TRACE(traceMAX, "hardware %s %p", "table :", static_cast<void*>(table));
-    shapeMemoryRow(facts, *table);
-    CcLogWrapper::traceMidExit(getCcLogHw(), __LINE__, kSource, kFunction, "hardware %s", "MemoryGroup");
-    return table;
+    return api::guardedTable("MemoryGroup::getTable()", [&]() -> KorTable* {
+        CcLogWrapper::traceMidEntry(getCcLogHw(), __LINE__, kSource, kFunction, "hardware %s", "MemoryGroup");
+        const MemoryFacts facts = gatherMemoryFacts(sys::current());
+        auto* table = new KorTable(getGroupId(), getGroupVersion());
+        MEM_TRACE(traceMAX, "hardware %s %p", "table :", static_cast<void*>(table));
+        shapeMemoryRow(facts, *table);
+        CcLogWrapper::traceMidExit(getCcLogHw(), __LINE__, kSource, kFunction, "hardware %s", "MemoryGroup");
+        return table;
+    });
 }
 
 INVSCAN_REGISTER_GROUP(MEMORY_GROUP, MemoryGroup);

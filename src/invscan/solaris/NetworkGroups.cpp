@@ -14,6 +14,7 @@
 #include "invscan/solaris/NetworkFacts.h"
 #include "invscan/solaris/PCIDeviceGroup.h"
 #include "invscan/solaris/SystemFacts.h"
+#include "common/util/ApiGuard.h"
 
 using network::Interface;
 using network::Link;
@@ -205,27 +206,39 @@ NetworkAdapterGroup::NetworkAdapterGroup() : KorGroup(NETWORK_ADAPTER_GROUP, 1) 
 
 KorTable* NetworkAdapterGroup::getTable()
 {
-    return table(*this, "NetworkAdapterGroup", [](const NetworkFacts& facts, KorTable& t) {
-        std::vector<PciFunction> functions;
-        for (const auto& ids : facts.pciIds) {
-            PciFunction f;
-            f.vendor = ids.second.first;
-            f.device = ids.second.second;
-            functions.push_back(f);
-        }
-        PciNames names;
-        if (!functions.empty()) lookUpPciNames(sys::current(), functions, names);
-        shapeAdapterRows(facts, names, t);
+    return api::guardedTable("NetworkAdapterGroup::getTable()", [&]() -> KorTable* {
+        return table(*this, "NetworkAdapterGroup", [](const NetworkFacts& facts, KorTable& t) {
+            std::vector<PciFunction> functions;
+            for (const auto& ids : facts.pciIds) {
+                PciFunction f;
+                f.vendor = ids.second.first;
+                f.device = ids.second.second;
+                functions.push_back(f);
+            }
+            PciNames names;
+            if (!functions.empty()) lookUpPciNames(sys::current(), functions, names);
+            shapeAdapterRows(facts, names, t);
+        });
     });
 }
 
 IpAddressGroup::IpAddressGroup() : KorGroup(IP_ADDRESS_GROUP, 1) {}
 
-KorTable* IpAddressGroup::getTable() { return table(*this, "IpAddressGroup", shapeIpv4Rows); }
+KorTable* IpAddressGroup::getTable()
+{
+    return api::guardedTable("IpAddressGroup::getTable()", [&]() -> KorTable* {
+        return table(*this, "IpAddressGroup", shapeIpv4Rows);
+    });
+}
 
 Ipv6AddressGroup::Ipv6AddressGroup() : KorGroup(IPV6_ADDRESS_GROUP, 1) {}
 
-KorTable* Ipv6AddressGroup::getTable() { return table(*this, "Ipv6AddressGroup", shapeIpv6Rows); }
+KorTable* Ipv6AddressGroup::getTable()
+{
+    return api::guardedTable("Ipv6AddressGroup::getTable()", [&]() -> KorTable* {
+        return table(*this, "Ipv6AddressGroup", shapeIpv6Rows);
+    });
+}
 
 INVSCAN_REGISTER_GROUP(NETWORK_ADAPTER_GROUP, NetworkAdapterGroup);
 INVSCAN_REGISTER_GROUP(IP_ADDRESS_GROUP, IpAddressGroup);

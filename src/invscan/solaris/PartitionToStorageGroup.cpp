@@ -5,6 +5,7 @@
 #include "invscan/com/GroupRegistry.h"
 #include "invscan/com/KorTable.h"
 #include "invscan/solaris/DiskScanTree.h"
+#include "common/util/ApiGuard.h"
 
 namespace {
 const char* const kSource = "./../../../src/invscan/solaris/PartitionToStorageGroup";
@@ -15,30 +16,32 @@ PartitionToStorageGroup::PartitionToStorageGroup() : KorGroup(PARTITION_TO_STORA
 
 KorTable* PartitionToStorageGroup::getTable()
 {
-    const int log = getCcLogHw();
-    CcLogWrapper::traceMidEntry(log, __LINE__, kSource, kFunction, "hardware %s", "PartitionToStorageGroup");
-    auto* table = new KorTable(getGroupId(), getGroupVersion());
-    const VtNode* info = diskScanInfo(kSource, kFunction);
-    const VtNode* partitions = info ? info->getChild("PartitionTable", 0) : nullptr;
-    if (info && !partitions)
-        CcLogWrapper::traceMIN(log, __LINE__, kSource, kFunction, "%s", "ERROR! Failed to get partition table");
-    unsigned long index = 0;
-    forEachChild(partitions, "Partition", [&](int p, const VtNode* partition) {
-        const char* name = textOf(partition, "Name");
-        CcLogWrapper::traceMAX(log, __LINE__, kSource, kFunction, "Partition #%d: name=%s mount=%s type=%s", p, name,
-                               textOf(partition, "Mount"), textOf(partition, "Type"));
-        forEachChild(partition, "Disk", [&](int d, const VtNode* disk) {
-            const char* id = textOf(disk, "Id");
-            CcLogWrapper::traceMAX(log, __LINE__, kSource, kFunction, "Partition #%d Disk #%d: id=%s", p, d, id);
-            auto* row = new KorTableRow;
-            row->addAttrib(new KorTableAttrib(P2S_INDEX, index++));
-            row->addAttrib(new KorTableAttrib(P2S_PARTITION_ACCESS_POINT, name));
-            row->addAttrib(new KorTableAttrib(P2S_STORAGE_DEVICE, id));
-            table->addRow(row);
+    return api::guardedTable("PartitionToStorageGroup::getTable()", [&]() -> KorTable* {
+        const int log = getCcLogHw();
+        CcLogWrapper::traceMidEntry(log, __LINE__, kSource, kFunction, "hardware %s", "PartitionToStorageGroup");
+        auto* table = new KorTable(getGroupId(), getGroupVersion());
+        const VtNode* info = diskScanInfo(kSource, kFunction);
+        const VtNode* partitions = info ? info->getChild("PartitionTable", 0) : nullptr;
+        if (info && !partitions)
+            CcLogWrapper::traceMIN(log, __LINE__, kSource, kFunction, "%s", "ERROR! Failed to get partition table");
+        unsigned long index = 0;
+        forEachChild(partitions, "Partition", [&](int p, const VtNode* partition) {
+            const char* name = textOf(partition, "Name");
+            CcLogWrapper::traceMAX(log, __LINE__, kSource, kFunction, "Partition #%d: name=%s mount=%s type=%s", p, name,
+                                   textOf(partition, "Mount"), textOf(partition, "Type"));
+            forEachChild(partition, "Disk", [&](int d, const VtNode* disk) {
+                const char* id = textOf(disk, "Id");
+                CcLogWrapper::traceMAX(log, __LINE__, kSource, kFunction, "Partition #%d Disk #%d: id=%s", p, d, id);
+                auto* row = new KorTableRow;
+                row->addAttrib(new KorTableAttrib(P2S_INDEX, index++));
+                row->addAttrib(new KorTableAttrib(P2S_PARTITION_ACCESS_POINT, name));
+                row->addAttrib(new KorTableAttrib(P2S_STORAGE_DEVICE, id));
+                table->addRow(row);
+            });
         });
+        CcLogWrapper::traceMidExit(log, __LINE__, kSource, kFunction, "hardware %s%p", "table=", static_cast<void*>(table));
+        return table;
     });
-    CcLogWrapper::traceMidExit(log, __LINE__, kSource, kFunction, "hardware %s%p", "table=", static_cast<void*>(table));
-    return table;
 }
 
 INVSCAN_REGISTER_GROUP(PARTITION_TO_STORAGE_GROUP, PartitionToStorageGroup);

@@ -4,6 +4,7 @@
 #include "invscan/com/CatalogueIds.h"
 #include "invscan/com/GroupRegistry.h"
 #include "invscan/com/KorTable.h"
+#include "common/util/ApiGuard.h"
 
 namespace {
 const char* const kSource = "./../../../src/invscan/solaris/VirtualMachineGroup";
@@ -40,20 +41,22 @@ VirtualMachineGroup::VirtualMachineGroup() : KorGroup(VIRTUAL_MACHINE_GROUP, 1) 
 
 KorTable* VirtualMachineGroup::getTable()
 {
-    CcLogWrapper::traceMidEntry(getCcLogHw(), __LINE__, kSource, kFunction, "hardware %s", "VirtualMachineGroup");
-    const std::shared_ptr<const Zone> scanned = scanZone();
-    const Zone& zone = *scanned;
-    KorTable* table = nullptr;
-    if (!zone.isInsideZone())
-        VM_TRACE("hardware %s", "no table: this machine has no zones");
-    else if (zone.getChildZonesInfo().empty())
-        VM_TRACE("hardware %s", "no table: no zone other than this one is configured here");
-    else {
-        table = new KorTable(getGroupId(), getGroupVersion());
-        shapeVirtualMachineRows(zone.getChildZonesInfo(), *table);
-    }
-    CcLogWrapper::traceMidExit(getCcLogHw(), __LINE__, kSource, kFunction, "hardware %s", "VirtualMachineGroup");
-    return table;
+    return api::guardedTable("VirtualMachineGroup::getTable()", [&]() -> KorTable* {
+        CcLogWrapper::traceMidEntry(getCcLogHw(), __LINE__, kSource, kFunction, "hardware %s", "VirtualMachineGroup");
+        const std::shared_ptr<const Zone> scanned = scanZone();
+        const Zone& zone = *scanned;
+        KorTable* table = nullptr;
+        if (!zone.isInsideZone())
+            VM_TRACE("hardware %s", "no table: this machine has no zones");
+        else if (zone.getChildZonesInfo().empty())
+            VM_TRACE("hardware %s", "no table: no zone other than this one is configured here");
+        else {
+            table = new KorTable(getGroupId(), getGroupVersion());
+            shapeVirtualMachineRows(zone.getChildZonesInfo(), *table);
+        }
+        CcLogWrapper::traceMidExit(getCcLogHw(), __LINE__, kSource, kFunction, "hardware %s", "VirtualMachineGroup");
+        return table;
+    });
 }
 
 INVSCAN_REGISTER_GROUP(VIRTUAL_MACHINE_GROUP, VirtualMachineGroup);

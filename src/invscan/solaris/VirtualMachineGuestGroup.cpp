@@ -5,6 +5,7 @@
 #include "invscan/com/GroupRegistry.h"
 #include "invscan/com/KorTable.h"
 #include "invscan/com/VirtualMachineInfo.h"
+#include "common/util/ApiGuard.h"
 
 namespace {
 const char* const kSource = "./../../../src/invscan/solaris/VirtualMachineGuestGroup";
@@ -15,22 +16,24 @@ VirtualMachineGuestGroup::VirtualMachineGuestGroup() : KorGroup(VIRTUAL_MACHINE_
 
 KorTable* VirtualMachineGuestGroup::getTable()
 {
-    const int log = getCcLogHw();
-    CcLogWrapper::traceMidEntry(log, __LINE__, kSource, kFunction, "hardware %s", "VirtualMachineGuestGroup");
-    VirtualMachineInfo info;
-    KorTable* table = nullptr;
-    if (getVirtualMachineInfo(info) && info.isVirtualMachine) {
-        const char* type = VirtualMachineInfo::virtualizationNames[info.virtualizationType];
-        table = new KorTable(getGroupId(), getGroupVersion());
-        auto* row = new KorTableRow;
-        CcLogWrapper::traceMAX(log, __LINE__, kSource, kFunction, "hardware UUID = %s ", info.uuid.c_str());
-        row->addAttrib(new KorTableAttrib(GUEST_UUID, info.uuid.c_str()));
-        CcLogWrapper::traceMAX(log, __LINE__, kSource, kFunction, "hardware Hypervisor type = %s ", type);
-        row->addAttrib(new KorTableAttrib(GUEST_HYPERVISOR_TYPE, type));
-        table->addRow(row);
-    }
-    CcLogWrapper::traceMidExit(log, __LINE__, kSource, kFunction, "hardware %s", "VirtualMachineGuestGroup");
-    return table;
+    return api::guardedTable("VirtualMachineGuestGroup::getTable()", [&]() -> KorTable* {
+        const int log = getCcLogHw();
+        CcLogWrapper::traceMidEntry(log, __LINE__, kSource, kFunction, "hardware %s", "VirtualMachineGuestGroup");
+        VirtualMachineInfo info;
+        KorTable* table = nullptr;
+        if (getVirtualMachineInfo(info) && info.isVirtualMachine) {
+            const char* type = VirtualMachineInfo::virtualizationNames[info.virtualizationType];
+            table = new KorTable(getGroupId(), getGroupVersion());
+            auto* row = new KorTableRow;
+            CcLogWrapper::traceMAX(log, __LINE__, kSource, kFunction, "hardware UUID = %s ", info.uuid.c_str());
+            row->addAttrib(new KorTableAttrib(GUEST_UUID, info.uuid.c_str()));
+            CcLogWrapper::traceMAX(log, __LINE__, kSource, kFunction, "hardware Hypervisor type = %s ", type);
+            row->addAttrib(new KorTableAttrib(GUEST_HYPERVISOR_TYPE, type));
+            table->addRow(row);
+        }
+        CcLogWrapper::traceMidExit(log, __LINE__, kSource, kFunction, "hardware %s", "VirtualMachineGuestGroup");
+        return table;
+    });
 }
 
 INVSCAN_REGISTER_GROUP(VIRTUAL_MACHINE_GUEST_GROUP, VirtualMachineGuestGroup);

@@ -1,0 +1,178 @@
+// A host with a thread pool: four threads scan at once, through the factory
+// as a host does (getGroup, getTable, walk, delete, endScan), from a cold
+// start, so the probe caches, the scan's shared facts, the factory's group
+// lists and each group's own state are all raced for. Every table must equal
+// what one thread alone gets, and each probe must still run once.
+//
+// INVSCAN_THREAD_SCANS sets the scans each thread makes (default 2); a long
+// run by hand: INVSCAN_THREAD_SCANS=2000. Each machine runs in a child
+// process of its own, as the probes' trees are kept for the life of one.
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <condition_variable>
+#include <cstdio>
+#include <cstdlib>
+#include <ctime>
+#include <list>
+#include <memory>
+#include <mutex>
+#include <sstream>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "common/vartree/vtexec.h"
+#include "framework/NimCfg.h"
+#include "invscan/com/GroupFactory.h"
+#include "support/Machine.h"
+#include "support/TableReader.h"
+#include "support/TempDir.h"
+
+namespace {
+
+using namespace testsupport;
+
+const int kThreads = 4;
+
+int scansEach()
+{
+    const char* text = std::getenv("INVSCAN_THREAD_SCANS");
+    const int n = text ? std::atoi(text) : 0;
+    return n > 0 ? n : 2;
+}
+
+size_t countOf(const std::string& text, const std::string& needle)
+{
+    size_t n = 0;
+    for (size_t at = text.find(needle); at != std::string::npos; at = text.find(needle, at + 1)) ++n;
+    return n;
+}
+
+// The first line that differs, with the group it is in.
+std::string firstDifference(const std::string& got, const std::string& wanted)
+{
+    std::istringstream a(got), b(wanted);
+    std::string lineA, lineB, group;
+    while (true) {
+        const bool moreA = static_cast<bool>(std::getline(a, lineA)), moreB = static_cast<bool>(std::getline(b, lineB));
+        if (!moreA && !moreB) return "no difference";
+        if (!moreA || !moreB || lineA != lineB)
+            return "in " + group + ": '" + (moreA ? lineA : "(end)") + "', one thread alone '" + (moreB ? lineB : "(end)") + "'\n";
+        if (lineA.rfind("== ", 0) == 0) group = lineA.substr(3);
+    }
+}
+
+// One scan as a host makes it: every group by name, each table as text.
+std::string scanOnce()
+{
+    GroupFactory* factory = GroupFactory::getInstance();
+    factory->initialise();
+    factory->loadNodeFromFile(factory->getHWConfigFile(), 0);
+    factory->startScan();
+    std::list<String> names;
+    factory->getAllGroups(names);
+    std::string out;
+    for (const String& name : names) {
+        std::unique_ptr<KorGroup> group(factory->getGroup(name));
+        std::unique_ptr<KorTable> table(group ? group->getTable() : nullptr);
+        out += "== " + name.narrow() + "\n" + (table ? tableText(*table) : std::string("no table\n"));
+    }
+    factory->endScan();
+    return out;
+}
+
+// Scans the machine from four threads at once, then from one; what differed
+// (empty when nothing did), and the figures.
+std::string raceOnMachine(const std::string& dir, std::string& figures)
+{
+    FakeSystem machine;
+    std::string error;
+    if (!loadMachine(dir, machine, error)) return "cannot load: " + error;
+    ScopedSystem scope(machine);
+    vtSetProbeTap(&machine);
+    NimCfg::setKey(String("config_dir"), String(dir + "/config"));
+
+    const int n = scansEach();
+    std::vector<std::vector<std::string>> results(kThreads);
+    std::mutex gate;
+    std::condition_variable opened;
+    int waiting = 0;
+    const std::time_t started = std::time(nullptr);
+    std::vector<std::thread> threads;
+    for (int t = 0; t < kThreads; ++t)
+        threads.emplace_back([&, t] {
+            {
+                // All four reach the library together, while its caches are cold.
+                std::unique_lock<std::mutex> hold(gate);
+                if (++waiting == kThreads) opened.notify_all();
+                opened.wait(hold, [&] { return waiting == kThreads; });
+            }
+            for (int i = 0; i < n; ++i) results[static_cast<size_t>(t)].push_back(scanOnce());
+        });
+    for (std::thread& thread : threads) thread.join();
+    const std::time_t ended = std::time(nullptr);
+
+    const std::string alone = scanOnce();
+    vtSetProbeTap(nullptr);
+    std::string problems;
+    int differing = 0;
+    for (int t = 0; t < kThreads; ++t)
+        for (int i = 0; i < n; ++i)
+            if (results[static_cast<size_t>(t)][static_cast<size_t>(i)] != alone && differing++ == 0)
+                problems += "thread " + std::to_string(t) + " scan " + std::to_string(i + 1) + ": " +
+                            firstDifference(results[static_cast<size_t>(t)][static_cast<size_t>(i)], alone);
+    if (differing) problems = std::to_string(differing) + " scans differ; the first: " + problems;
+    // One thread's tables are the machine's: as many groups give none as its expected scan says.
+    if (countOf(alone, "\nno table\n") != countOf(readFile(dir + "/expected.txt"), "\nno table\n"))
+        problems += "one thread's scan has not the machine's tables:\n" + alone;
+    for (const auto& probe : machine.probeRuns)
+        if (probe.second != 1) problems += "probe " + probe.first + " ran " + std::to_string(probe.second) + " times\n";
+    figures = std::to_string(kThreads) + " threads x " + std::to_string(n) + " scans in " +
+              std::to_string(ended - started) + " s, " + std::to_string(alone.size()) + " bytes of tables each";
+    return problems;
+}
+
+// Runs in a child process: its problems, then its figures on the last line.
+std::pair<std::string, std::string> raceInChild(const std::string& dir)
+{
+    int fds[2];
+    if (pipe(fds) != 0) return {"no pipe", ""};
+    std::fflush(nullptr);
+    const pid_t pid = fork();
+    if (pid == 0) {
+        close(fds[0]);
+        std::string figures;
+        const std::string report = raceOnMachine(dir, figures) + "\n" + figures;
+        const ssize_t written = write(fds[1], report.data(), report.size());
+        _exit(written == static_cast<ssize_t>(report.size()) ? 0 : 1);
+    }
+    close(fds[1]);
+    std::string report;
+    char buffer[4096];
+    for (ssize_t got; (got = read(fds[0], buffer, sizeof buffer)) > 0;) report.append(buffer, static_cast<size_t>(got));
+    close(fds[0]);
+    int status = 0;
+    waitpid(pid, &status, 0);
+    if (!WIFEXITED(status) || WEXITSTATUS(status) != 0)
+        return {"the scanning process ended with status " + std::to_string(status) + "\n" + report, ""};
+    const size_t cut = report.rfind('\n');
+    return {report.substr(0, cut), report.substr(cut + 1)};
+}
+
+// Storage and SAN disks, zones and pools, and a workstation with most groups.
+class HostThreads : public ::testing::TestWithParam<std::string> {};
+
+TEST_P(HostThreads, FourThreadsGetTheTablesOneThreadGets)
+{
+    const auto result = raceInChild(machineDir(GetParam()));
+    std::printf("%s: %s\n", GetParam().c_str(), result.second.c_str());
+    EXPECT_EQ(result.first, "");
+}
+
+INSTANTIATE_TEST_SUITE_P(Machines, HostThreads,
+                         ::testing::Values("sol10-san-multipath", "sol11-global-with-zones", "sol10-x86-workstation"),
+                         machineTestName);
+
+}  // namespace
