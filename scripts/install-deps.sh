@@ -8,7 +8,7 @@
 set -euo pipefail
 
 want=(cmake make g++ pkg-config libexpat1-dev libgtest-dev libgmock-dev googletest
-      libbenchmark-dev libcli11-dev nlohmann-json3-dev python3 locales pci.ids)
+      libbenchmark-dev libcli11-dev nlohmann-json3-dev python3 python3-jsonschema locales pci.ids)
 m32=0
 for arg in "$@"; do
   case "$arg" in

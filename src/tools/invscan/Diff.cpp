@@ -3,10 +3,10 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
-#include <deque>
 #include <fstream>
 #include <map>
 #include <set>
@@ -201,6 +201,27 @@ std::vector<Group> pairGroups(const Json& oldDoc, const Json& newDoc)
     return groups;
 }
 
+// Equal values, whatever the order of an object's members (a JSON scan may
+// have been rewritten by another tool).
+bool same(const Json& a, const Json& b)
+{
+    if (a.is_object() && b.is_object()) {
+        if (a.size() != b.size()) return false;
+        for (auto it = a.begin(); it != a.end(); ++it) {
+            auto other = b.find(it.key());
+            if (other == b.end() || !same(*it, *other)) return false;
+        }
+        return true;
+    }
+    if (a.is_array() && b.is_array()) {
+        if (a.size() != b.size()) return false;
+        for (size_t i = 0; i < a.size(); ++i)
+            if (!same(a[i], b[i])) return false;
+        return true;
+    }
+    return a == b;
+}
+
 const Json* attribute(const Json& row, const std::string& name)
 {
     if (!row.is_object()) return nullptr;
@@ -299,60 +320,6 @@ void keyOf(const Matching& m, const Json& row, size_t position, RowChange& chang
     }
 }
 
-GroupDiff compareGroup(const Group& g, bool all)
-{
-    GroupDiff d;
-    d.group = &g;
-    d.matching = matchingOf(g.id);
-    if (g.old.present != g.now.present) {
-        d.onlyIn = g.old.present ? "OLD" : "NEW";
-        return d;
-    }
-    if (!g.old.present) return d;
-    if (all) {
-        const std::string o = g.old.timestamps.empty() ? "" : g.old.timestamps.front();
-        const std::string n = g.now.timestamps.empty() ? "" : g.now.timestamps.front();
-        d.timestamps = {o, n};
-        d.timestampChanged = o != n;
-    }
-    const std::vector<std::string> names = comparedNames(g.id, g, all);
-    // Rows of one key pair in their order, so repeated keys still pair up.
-    auto labelOf = [&](const Json& row, size_t position) {
-        RowChange c;
-        keyOf(d.matching, row, position, c);
-        return c;
-    };
-    std::map<std::string, std::deque<size_t>> newByKey;
-    for (size_t i = 0; i < g.now.rows.size(); ++i) newByKey[labelOf(*g.now.rows[i], i + 1).label].push_back(i);
-    std::vector<bool> paired(g.now.rows.size(), false);
-    for (size_t i = 0; i < g.old.rows.size(); ++i) {
-        RowChange c = labelOf(*g.old.rows[i], i + 1);
-        auto found = newByKey.find(c.label);
-        if (found == newByKey.end() || found->second.empty()) {
-            c.row = g.old.rows[i];
-            d.removed.push_back(std::move(c));
-            continue;
-        }
-        const size_t j = found->second.front();
-        found->second.pop_front();
-        paired[j] = true;
-        for (const std::string& name : names) {
-            const Json* before = attribute(*g.old.rows[i], name);
-            const Json* after = attribute(*g.now.rows[j], name);
-            if ((before == nullptr) != (after == nullptr) || (before && *before != *after))
-                c.attributes.push_back({name, {before, after}});
-        }
-        if (!c.attributes.empty()) d.changed.push_back(std::move(c));
-    }
-    for (size_t j = 0; j < g.now.rows.size(); ++j) {
-        if (paired[j]) continue;
-        RowChange c = labelOf(*g.now.rows[j], j + 1);
-        c.row = g.now.rows[j];
-        d.added.push_back(std::move(c));
-    }
-    return d;
-}
-
 // A few of an added or removed row's values beside its key, so the line says
 // which device it is.
 std::string summary(const GroupDiff& d, const Json& row)
@@ -371,6 +338,85 @@ std::string summary(const GroupDiff& d, const Json& row)
         --left;
     }
     return out;
+}
+
+GroupDiff compareGroup(const Group& g, bool all)
+{
+    GroupDiff d;
+    d.group = &g;
+    d.matching = matchingOf(g.id);
+    if (g.old.present != g.now.present) {
+        d.onlyIn = g.old.present ? "OLD" : "NEW";
+        return d;
+    }
+    if (!g.old.present) return d;
+    if (all) {
+        const std::string o = g.old.timestamps.empty() ? "" : g.old.timestamps.front();
+        const std::string n = g.now.timestamps.empty() ? "" : g.now.timestamps.front();
+        d.timestamps = {o, n};
+        d.timestampChanged = o != n;
+    }
+    const std::vector<std::string> names = comparedNames(g.id, g, all);
+    auto labelOf = [&](const Json& row, size_t position) {
+        RowChange c;
+        keyOf(d.matching, row, position, c);
+        return c;
+    };
+    auto differences = [&](size_t i, size_t j) {
+        std::vector<std::pair<std::string, std::pair<const Json*, const Json*>>> out;
+        for (const std::string& name : names) {
+            const Json* before = attribute(*g.old.rows[i], name);
+            const Json* after = attribute(*g.now.rows[j], name);
+            if ((before == nullptr) != (after == nullptr) || (before && !same(*before, *after)))
+                out.push_back({name, {before, after}});
+        }
+        return out;
+    };
+    // Rows that share a key (zones all carry the host's id) pair by likeness:
+    // the pairs with the fewest differences first, ties in row order.
+    std::map<std::string, std::pair<std::vector<size_t>, std::vector<size_t>>> buckets;
+    for (size_t i = 0; i < g.old.rows.size(); ++i) buckets[labelOf(*g.old.rows[i], i + 1).label].first.push_back(i);
+    for (size_t j = 0; j < g.now.rows.size(); ++j) buckets[labelOf(*g.now.rows[j], j + 1).label].second.push_back(j);
+    std::vector<long> pairOf(g.old.rows.size(), -1);
+    std::vector<bool> paired(g.now.rows.size(), false);
+    for (const auto& bucket : buckets) {
+        const std::vector<size_t>& olds = bucket.second.first;
+        const std::vector<size_t>& news = bucket.second.second;
+        std::vector<std::pair<size_t, std::pair<size_t, size_t>>> candidates;
+        for (size_t i : olds)
+            for (size_t j : news)
+                candidates.push_back({olds.size() == 1 && news.size() == 1 ? 0 : differences(i, j).size(), {i, j}});
+        std::sort(candidates.begin(), candidates.end());
+        for (const auto& c : candidates) {
+            const size_t i = c.second.first, j = c.second.second;
+            if (pairOf[i] >= 0 || paired[j]) continue;
+            pairOf[i] = static_cast<long>(j);
+            paired[j] = true;
+        }
+    }
+    for (size_t i = 0; i < g.old.rows.size(); ++i) {
+        RowChange c = labelOf(*g.old.rows[i], i + 1);
+        if (pairOf[i] < 0) {
+            c.row = g.old.rows[i];
+            d.removed.push_back(std::move(c));
+            continue;
+        }
+        c.attributes = differences(i, static_cast<size_t>(pairOf[i]));
+        if (c.attributes.empty()) continue;
+        c.row = g.old.rows[i];
+        if (!d.matching.names.empty() && buckets[c.label].first.size() > 1) {
+            const std::string what = summary(d, *c.row);
+            c.label += " (row " + std::to_string(i + 1) + (what.empty() ? "" : ": " + what.substr(0, what.find(", "))) + ")";
+        }
+        d.changed.push_back(std::move(c));
+    }
+    for (size_t j = 0; j < g.now.rows.size(); ++j) {
+        if (paired[j]) continue;
+        RowChange c = labelOf(*g.now.rows[j], j + 1);
+        c.row = g.now.rows[j];
+        d.added.push_back(std::move(c));
+    }
+    return d;
 }
 
 // First row's value of a catalogued attribute, as text; empty when none.
