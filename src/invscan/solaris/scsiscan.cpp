@@ -146,7 +146,7 @@ int ScsiCapacityDecode(void* data, SCSIinfo* info)
              "> BlockSize=<", static_cast<int>(length), ">");
     unsigned long size = 0;
     if (length > 1024) {
-        // The design's divisor (1024 / length) would be 0 here: such blocks
+        // The usual divisor (1024 / length) would be 0 here: such blocks
         // (2048 on optical media, 4096 on 4Kn disks) give the true size instead.
         size = static_cast<unsigned long>(static_cast<unsigned long long>(blocks) * length / (1024 * 1024));
     } else if (length > 0) {
