@@ -11,6 +11,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include "invscan/com/Catalogue.h"
+#include "invscan/com/CatalogueChanges.h"
 #include "support/Machine.h"
 #include "support/Program.h"
 
@@ -221,6 +223,19 @@ TEST_F(Diff, TroubleExitsTwoAndSaysWhy)
         EXPECT_NE(r.err.find(c.message), std::string::npos) << r.err;
         EXPECT_TRUE(r.out.empty()) << r.out;
     }
+}
+
+// The README prints the list of attributes left out: it must be the list.
+TEST(DiffReadme, ListsEveryAttributeLeftOut)
+{
+    std::string expected;
+    for (const korAttribRef* a = VOLATILE_ATTRS_DEF; a->groupId != KOR_END; ++a) {
+        const bool first = a == VOLATILE_ATTRS_DEF || a[-1].groupId != a->groupId;
+        if (first) expected += std::string(expected.empty() ? "" : "\n") + "- " + getGroupNameFromId(a->groupId) + ": ";
+        expected += std::string(first ? "" : ", ") + getAttribNameFromId(getGroupDefinitionFromId(a->groupId), a->attribId);
+    }
+    const std::string readme = testsupport::readFile(std::string(INVSCAN_SOURCE_DIR) + "/README.md");
+    EXPECT_NE(readme.find("\n" + expected + "\n\n"), std::string::npos) << expected;
 }
 
 }  // namespace
