@@ -38,6 +38,13 @@ TEST(NodeDump, StatusCodes)
         {"data:d=3,0a0B\n", VT_ERR_HEX},
         {"data:d=2;0a0B\n", VT_ERR_HEX},
         {"data:d=2,0a0B\n", VT_OK},
+        // An integer that does not fit is refused, not wrapped to 1 or cut to 32 bits.
+        {"TotalPackageCount:i=4294967297\n", VT_ERR_INT_RANGE},
+        {"n:i=2147483648\n", VT_ERR_INT_RANGE},
+        {"n:i=-2147483649\n", VT_ERR_INT_RANGE},
+        {"n:i=99999999999999999999999\n", VT_ERR_INT_RANGE},
+        {"n:i=2147483647\n", VT_OK},
+        {"n:i=-2147483648\n", VT_OK},
         {"; comment\n(A\n; inside\n)\n\n", VT_OK},
     };
     for (const auto& c : cases) {

@@ -1,6 +1,7 @@
 #include "common/vartree/vtree.h"
 
 #include <cctype>
+#include <cerrno>
 #include <climits>
 #include <cstdio>
 #include <cstdlib>
@@ -372,12 +373,18 @@ int parseValueLine(const char* line, OpenNode& current)
 
     VtVariant* v;
     switch (kind) {
-    case 'i':
+    case 'i': {
+        // Digits end before any line end or foreign byte: no cut needed. A
+        // number that does not fit an int is refused, never wrapped
+        // (4294967297 is no 1).
+        errno = 0;
+        const long long number = std::strtoll(text, nullptr, 10);
+        if (errno == ERANGE || number < INT_MIN || number > INT_MAX) return VT_ERR_INT_RANGE;
         v = VtVariant::makeInline(line, nameLength, nullptr, 0);
         v->type = VT_INT;
-        // Digits end before any line end or foreign byte: no cut needed.
-        v->value.i = static_cast<int>(std::strtol(text, nullptr, 10));
+        v->value.i = static_cast<int>(number);
         break;
+    }
     case 'f': {
         double d = 0;
         const size_t n = cutLength(text);

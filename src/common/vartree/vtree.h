@@ -19,6 +19,7 @@ enum {
     VT_ERR_VALUE_TYPE = -6,    // unknown type letter
     VT_ERR_TOO_DEEP = -7,      // nodes nested deeper than VT_MAX_DEPTH
     VT_ERR_HEX = -9,           // malformed hex byte string
+    VT_ERR_INT_RANGE = -10,    // an integer that does not fit 32 bits
 };
 constexpr int VT_MAX_DEPTH = 131;  // open parents the parser keeps
 
