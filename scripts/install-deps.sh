@@ -5,7 +5,28 @@
 #   scripts/install-deps.sh --m32      also the -m32 toolchain and i386 expat
 #   scripts/install-deps.sh --fuzz     also clang with libFuzzer
 #   scripts/install-deps.sh --package  also what makes and checks the Debian package
+#   scripts/install-deps.sh --solaris  also what compiles for the Solaris 10 target here
+# On a system without Debian's package tools (Solaris) it installs nothing
+# and says what the build needs.
 set -euo pipefail
+
+if ! command -v dpkg-query >/dev/null 2>&1 || ! command -v apt-get >/dev/null 2>&1; then
+  if [ "$(uname -s)" = "SunOS" ]; then
+    cat >&2 <<'EOF_SOLARIS'
+install-deps: no Debian package tools here; this script installs nothing on Solaris.
+  The build needs: GCC with g++ 7 or later (C++17), GNU make, CMake 3.24 or later, and expat
+  (Solaris 11: pkg install developer/gcc developer/build/gnu-make developer/build/cmake library/expat;
+  Solaris 10: the same from OpenCSW or your own builds, under /opt/csw or /usr/local).
+  Tests also need GoogleTest, CLI11 and nlohmann-json; the command line needs CLI11 and nlohmann-json.
+  The PCI id database is read from /usr/share/hwdata/pci.ids (Solaris 11:
+  pkg install system/data/hardware-registry), /usr/share/misc/pci.ids or /usr/share/pci.ids.
+EOF_SOLARIS
+  else
+    echo "install-deps: no apt-get/dpkg-query here: install cmake, make, g++, pkg-config, expat, GoogleTest," \
+         "Google Benchmark, CLI11, nlohmann-json and python3 yourself" >&2
+  fi
+  exit 0
+fi
 
 want=(cmake make g++ pkg-config libexpat1-dev libgtest-dev libgmock-dev googletest
       libbenchmark-dev libcli11-dev nlohmann-json3-dev python3 python3-jsonschema locales pci.ids)
@@ -15,6 +36,7 @@ for arg in "$@"; do
     --m32) m32=1; want+=(g++-multilib) ;;
     --fuzz) want+=(clang libclang-rt-dev) ;;
     --package) want+=(dpkg-dev file lintian mandoc) ;;
+    --solaris) want+=(clang g++-multilib binutils xz-utils) ;;
     *) echo "install-deps: unknown option $arg" >&2; exit 2 ;;
   esac
 done
