@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <map>
 #include <regex>
@@ -367,6 +368,152 @@ TEST_F(Cli, ReplayNamesWhatIsMissingAndRefusesBrokenFiles)
     EXPECT_EQ(run({"capture", m_dir + "/no/such/folder/file"}).code, 2);
 }
 
+// Every file the command line reads is a regular file within its bound:
+// what is not is refused at once, never read, and never blocks the run (a
+// FIFO without a writer would block an open that waits for one). Each run
+// is ended by `timeout` should it block.
+TEST_F(Cli, FilesThatAreNoRegularFileOrPastTheirBoundAreRefused)
+{
+    const std::string guard = "timeout -s KILL 120";
+    const std::string fifo = m_dir + "/fifo", folder = m_dir + "/folder";
+    ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
+    ASSERT_EQ(mkdir(folder.c_str(), 0700), 0);
+    // A sparse file one byte past a bound: no disk, no time to write.
+    auto pastBound = [&](const std::string& name, off_t bound) {
+        const std::string path = write(name, "");
+        EXPECT_EQ(truncate(path.c_str(), bound + 1), 0);
+        return path;
+    };
+    // A simulated machine's folder with one of its files replaced.
+    const std::string base = testsupport::machineDir("xeon-2socket-ht");
+    auto machine = [&](const std::string& name, const std::string& file, const std::string& kind) {
+        const std::string dir = m_dir + "/" + name;
+        write(name + "/machine.txt", testsupport::readFile(base + "/machine.txt"));
+        write(name + "/probes/cpuid", testsupport::readFile(base + "/probes/cpuid"));
+        const std::string path = dir + "/" + file;
+        std::remove(path.c_str());
+        int made = 0;
+        if (kind == "fifo") made = mkfifo(path.c_str(), 0600);
+        if (kind == "folder") made = mkdir(path.c_str(), 0700);
+        if (kind == "device") made = symlink("/dev/zero", path.c_str());
+        if (kind == "large") made = truncate(write(name + "/" + file, "").c_str(), 16 << 20 | 1);
+        EXPECT_EQ(made, 0) << name;
+        return dir;
+    };
+    std::string bigAnswer = "invscan-machine 1\nprobe cpuid\n";
+    for (size_t printed = 0; printed <= (16u << 20); printed += 1001) bigAnswer += "> " + std::string(1000, '7') + "\n";
+
+    const std::vector<std::pair<std::string, std::vector<std::string>>> cases = {
+        {"capture: a device", {"scan", "--replay", "/dev/zero", "Memory"}},
+        {"capture: a FIFO", {"scan", "--replay", fifo, "Memory"}},
+        {"capture: past 128 MiB", {"scan", "--replay", pastBound("huge.capture", 128 << 20), "Memory"}},
+        {"capture: a probe answer past 16 MiB", {"probe", "--replay", write("answer", bigAnswer + "end-of-capture\n"), "cpuid"}},
+        {"machine file: a FIFO", {"scan", "--replay", machine("m1", "machine.txt", "fifo"), "Memory"}},
+        {"machine file: a device", {"scan", "--replay", machine("m2", "machine.txt", "device"), "Memory"}},
+        {"machine file: a folder", {"scan", "--replay", machine("m3", "machine.txt", "folder"), "Memory"}},
+        {"probe answer: a FIFO", {"scan", "--replay", machine("m4", "probes/cpuid", "fifo"), "Memory"}},
+        {"probe answer: a device", {"probe", "--replay", machine("m5", "probes/cpuid", "device"), "cpuid"}},
+        {"probe answer: a folder", {"probe", "--replay", machine("m6", "probes/cpuid", "folder"), "cpuid"}},
+        {"probe answer: past 16 MiB", {"probe", "--replay", machine("m7", "probes/cpuid", "large"), "cpuid"}},
+        {"hardware configuration: a device", {"--hwconfig", "/dev/zero", "scan", "Memory"}},
+        {"hardware configuration: a FIFO", {"--hwconfig", fifo, "scan", "Memory"}},
+        {"hardware configuration: a folder", {"--hwconfig", folder, "scan", "Memory"}},
+        {"hardware configuration: past 16 MiB", {"--hwconfig", pastBound("huge.xml", 16 << 20), "scan", "Memory"}},
+        {"hardware configuration of a capture: a device", {"--hwconfig", "/dev/zero", "capture", m_dir + "/c1"}},
+        {"hardware configuration of a capture: a FIFO", {"--hwconfig", fifo, "capture", m_dir + "/c2"}},
+        {"configuration: a FIFO", {"--config", fifo, "scan", "Memory"}},
+    };
+    for (const auto& c : cases) {
+        const Result r = run(c.second, guard);
+        EXPECT_EQ(r.code, 2) << c.first << ": " << r.err;
+        EXPECT_NE(r.err, "") << c.first;
+    }
+    for (const char* capture : {"/c1", "/c2"})
+        EXPECT_NE(access((m_dir + capture).c_str(), F_OK), 0) << "a capture of a refused scan was written";
+}
+
+// A capture holds serial numbers: it is a new file only its owner reads,
+// never written through a link nor over a file unless --force says so, and
+// no temporary file is left beside it.
+TEST_F(Cli, ACaptureIsANewFileOnlyItsOwnerReads)
+{
+    const std::string machine = testsupport::machineDir("xeon-2socket-ht");
+    auto capture = [&](const std::string& name, bool force = false) {
+        std::vector<std::string> args = {"capture", "--replay", machine, m_dir + "/" + name};
+        if (force) args.push_back("--force");
+        return run(args);
+    };
+    auto modeOf = [&](const std::string& name) {
+        struct stat st;
+        return lstat((m_dir + "/" + name).c_str(), &st) == 0 ? st.st_mode : 0;
+    };
+
+    Result r = run({"capture", "--replay", machine, m_dir + "/fresh"}, "umask 022;");
+    ASSERT_EQ(r.code, 0) << r.err;
+    EXPECT_EQ(modeOf("fresh"), static_cast<mode_t>(S_IFREG | 0600));
+    const std::string captured = testsupport::readFile(m_dir + "/fresh");
+    EXPECT_NE(captured.find("end-of-capture"), std::string::npos);
+
+    // An existing file is kept, and so is what a planted link points at.
+    write("kept", "precious");
+    r = capture("kept");
+    EXPECT_EQ(r.code, 2);
+    EXPECT_NE(r.err.find("exists"), std::string::npos) << r.err;
+    EXPECT_EQ(testsupport::readFile(m_dir + "/kept"), "precious");
+    write("target", "precious");
+    ASSERT_EQ(symlink((m_dir + "/target").c_str(), (m_dir + "/link").c_str()), 0);
+    ASSERT_EQ(symlink((m_dir + "/nothing-yet").c_str(), (m_dir + "/dangling").c_str()), 0);
+    EXPECT_EQ(capture("link").code, 2);
+    EXPECT_EQ(capture("dangling").code, 2);
+    EXPECT_EQ(testsupport::readFile(m_dir + "/target"), "precious");
+    EXPECT_NE(access((m_dir + "/nothing-yet").c_str(), F_OK), 0) << "written through a dangling link";
+
+    // --force replaces the file, or the link itself, never the link's target.
+    EXPECT_EQ(capture("kept", true).code, 0);
+    EXPECT_EQ(testsupport::readFile(m_dir + "/kept"), captured);
+    EXPECT_EQ(modeOf("kept"), static_cast<mode_t>(S_IFREG | 0600));
+    EXPECT_EQ(capture("link", true).code, 0);
+    EXPECT_EQ(modeOf("link"), static_cast<mode_t>(S_IFREG | 0600));
+    EXPECT_EQ(testsupport::readFile(m_dir + "/target"), "precious");
+
+    // Nothing but what the test made and the captures.
+    std::set<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(m_dir)) names.insert(entry.path().filename());
+    EXPECT_EQ(names, (std::set<std::string>{"fresh", "kept", "target", "link", "dangling", "out", "err"}));
+}
+
+// Control characters of a hostile capture or argument reach the terminal
+// written out as JSON writes them, in tables and in error messages alike.
+TEST_F(Cli, ControlCharactersAreWrittenOutNotSentToTheTerminal)
+{
+    // One mount point named with escapes: a title, a screen clear.
+    const std::string hostile = "/u01\x1b]0;owned\x07\x1b[2J";
+    std::string text = testsupport::readFile(testsupport::machineDir("sol10-mounts") + "/machine.txt");
+    for (size_t at = 0; (at = text.find("/u01", at)) != std::string::npos; at += hostile.size())
+        text.replace(at, 4, hostile);
+    write("hostile/machine.txt", text);
+    Result r = run({"scan", "--replay", m_dir + "/hostile", "Partition"});
+    ASSERT_EQ(r.code, 0) << r.err;
+    EXPECT_NE(r.out.find(" : /u01\\u001b]0;owned\\u0007\\u001b[2J\n"), std::string::npos) << r.out;
+    EXPECT_EQ(std::count_if(r.out.begin(), r.out.end(),
+                            [](char c) { return c != '\n' && static_cast<unsigned char>(c) < 0x20; }),
+              0);
+
+    // What a replayed probe printed, shown as its tree.
+    r = run({"probe", "--replay",
+             write("probe.capture", "invscan-machine 1\nprobe cpuid\n> 1.0 0 OK\n> (ProcessorTable\n"
+                                    ">    Name:s=x\x1b[2Jy\n> )\nend-of-capture\n"),
+             "cpuid"});
+    EXPECT_EQ(r.code, 0) << r.err;
+    EXPECT_NE(r.out.find("x\\u001b[2Jy"), std::string::npos) << r.out;
+    EXPECT_EQ(r.out.find('\x1b'), std::string::npos);
+
+    r = run({"scan", "--replay", m_dir + "/no\x1b[2Jsuch\ncapture"});
+    EXPECT_EQ(r.code, 2);
+    EXPECT_NE(r.err.find("no\\u001b[2Jsuch\\ncapture"), std::string::npos) << r.err;
+    EXPECT_EQ(r.err.find('\x1b'), std::string::npos);
+}
+
 // A JSON table written the way tests/machines' expected.txt writes tables.
 std::string expectedText(const nlohmann::ordered_json& table)
 {
@@ -400,19 +547,27 @@ std::string expectedText(const nlohmann::ordered_json& table)
 
 // Every simulated machine replayed through the command line gives the tables
 // its expected.txt holds; so does a capture of that replay, which proves the
-// capture keeps every answer a scan of such a machine reads.
+// capture keeps every answer a scan of such a machine reads. Nothing of the
+// replaying host counts: two hosts with their own time zone, locale and
+// tape-backup switch (set or not) show the same tables.
 class MachineReplay : public Cli, public ::testing::WithParamInterface<std::string> {};
 
 TEST_P(MachineReplay, GivesTheExpectedTablesAndSoDoesItsCapture)
 {
     const std::string dir = testsupport::machineDir(GetParam());
-    const std::string environment = "env -u LC_ALL -u LC_MESSAGES -u LC_CTYPE -u LANG -u LANGUAGE TZ=UTC";
+    const std::string plainHost =
+        "env -u LC_ALL -u LC_MESSAGES -u LC_CTYPE -u LANG -u LANGUAGE -u TZ -u CHECK_ULTRIUM_TAPE_RUNNING";
+    const std::string otherHost =
+        "env LC_ALL=C.UTF-8 LANG=de_DE.UTF-8 LC_MESSAGES=fr_FR LANGUAGE=de TZ=NZST-12NZDT,M9.5.0,M4.1.0/3 "
+        "CHECK_ULTRIUM_TAPE_RUNNING=1";
     const std::string capture = m_dir + "/machine.capture";
-    const Result captured = run({"--format", "json", "capture", "--replay", dir, capture}, environment);
+    const Result captured = run({"--format", "json", "capture", "--replay", dir, capture}, otherHost);
     ASSERT_NE(captured.code, 2) << captured.err;
     for (const std::string& source : {dir, capture}) {
-        const Result r = run({"--format", "json", "scan", "--replay", source}, environment);
+        const Result r = run({"--format", "json", "scan", "--replay", source}, plainHost);
         ASSERT_NE(r.code, 2) << r.err;
+        const Result elsewhere = run({"--format", "json", "scan", "--replay", source}, otherHost);
+        EXPECT_EQ(elsewhere.out, r.out) << source << " replayed on another host";
         std::map<std::string, std::string> shown;
         const auto document = nlohmann::ordered_json::parse(r.out);
         const std::string stamp = document.at("invscan").at("build");
