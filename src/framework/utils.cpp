@@ -17,6 +17,7 @@
 #include <cerrno>
 
 #include "common/sys/Portable.h"
+#include "common/sys/PosixSystem.h"
 
 namespace utils {
 namespace {
@@ -196,21 +197,11 @@ std::string hexToDecimal(const std::string& hex)
 
 std::FILE* openRegularFile(const std::string& path)
 {
-    const int fd = sys::openCloexec(path.c_str(), O_RDONLY | O_NONBLOCK);
+    const int fd = sys::openRegularFile(path.c_str());
     if (fd < 0) return nullptr;
-    struct stat st;
-    int error = 0;
-    if (fstat(fd, &st) != 0)
-        error = errno;
-    else if (S_ISDIR(st.st_mode))
-        error = EISDIR;
-    else if (!S_ISREG(st.st_mode))
-        error = EINVAL;
-    else if (fcntl(fd, F_SETFL, fcntl(fd, F_GETFL) & ~O_NONBLOCK) != 0)
-        error = errno;
-    std::FILE* file = error ? nullptr : fdopen(fd, "rb");
+    std::FILE* file = fdopen(fd, "rb");
     if (!file) {
-        if (!error) error = errno;
+        const int error = errno;
         ::close(fd);
         errno = error;
     }

@@ -54,6 +54,31 @@ TEST(Render, TextShowsCatalogueNamesEnumerationTextsAndOneBlockPerRow)
     delete table;
 }
 
+// Control characters of a value are written out as JSON writes them: C0,
+// DEL, and the C1 block a UTF-8 terminal obeys (U+009B is CSI); the rest of
+// the text, non-ASCII letters included, stays as it is.
+TEST(Render, TextWritesControlCharactersOut)
+{
+    const std::pair<std::string, std::string> cases[] = {
+        {"eth0", "eth0"},
+        {"a\nb\tc\rd", "a\\nb\\tc\\rd"},
+        {"\x1b]0;title\x07\x1b[2J", "\\u001b]0;title\\u0007\\u001b[2J"},
+        {std::string("nul\0in", 6), "nul\\u0000in"},
+        {"del\x7f \xc2\x9b" "31m \xc2\x85", "del\\u007f \\u009b31m \\u0085"},
+        {"caf\xc3\xa9 \xc2\xa0 \\n", "caf\xc3\xa9 \xc2\xa0 \\n"},  // letters, NBSP, a backslash: kept
+        {"cut \xc2", "cut \xc2"},
+    };
+    for (const auto& c : cases) EXPECT_EQ(cli::escapeControls(c.first), c.second) << c.first;
+
+    auto* table = new KorTable(5, 1);
+    auto* row = new KorTableRow;
+    row->addAttrib(new KorTableAttrib(2, L"disk\x1b[2J\u009b" L"31m\nend"));
+    table->addRow(row);
+    const std::string text = cli::renderText(*table);
+    delete table;
+    EXPECT_NE(text.find(" : disk\\u001b[2J\\u009b31m\\nend\n"), std::string::npos) << text;
+}
+
 TEST(Render, JsonKeepsTypesAndKeysStable)
 {
     KorTable* table = storageTable();

@@ -255,6 +255,15 @@ const Fault kFaults[] = {
     {"NetworkCommandFails", "sol10-ipmp-zones", {"-run ifconfig -a", "+run ifconfig -a\nexit 2"}, "Network Adapter",
      "rows 7", "hardware ERROR! ifconfig -a failed, status 2"},
 
+    // A resolver's file over 64 KiB: its first 64 KiB still name the servers.
+    {"ResolverOver64KiB", "sol11-aggr-ipmp",
+     {"s/^(> nameserver 2001:db8::53)$/$1" + [] {
+          std::string padding;
+          while (padding.size() <= (80 << 10)) padding += "\n> # " + std::string(120, '=');
+          return padding;
+      }() + "/"},
+     "IP Address", "Primary DNS = 10.20.0.53", "hardware /etc/resolv.conf is over 64 KiB: its first 64 KiB read"},
+
     // The hardware configuration file: the scan goes on without it.
     {"ConfigurationMalformed", kServer, {}, "Memory", "rows 1", "hardware ERROR! Failed to parse the xmlfile", nullptr,
      "<NimHWConfig><Hardware site=\"lab\"><Group Name=\"Memory\""},

@@ -100,6 +100,13 @@ bool fromHex(const std::string& text, std::string& bytes)
 }
 
 namespace {
+// What a capture may claim of processors: no machine has more, and a
+// capture claiming millions (a corrupt or hostile one) must be refused, not
+// grown into gigabytes by the groups that list them.
+constexpr size_t kMaxProcessors = 65536;
+
+bool believableProcessor(long id) { return id >= 0 && static_cast<size_t>(id) < kMaxProcessors; }
+
 // The command the output lines (">") and "exit" that follow belong to, and
 // the text those lines go to (a command's output or a file's contents).
 SimulatedSystem::Command* g_current = nullptr;
@@ -364,7 +371,9 @@ bool readLine(const std::string& text, SimulatedSystem& os)
     } else if (facility == "pid") {
         return static_cast<bool>(in >> os.pid);
     } else if (facility == "pset") {
-        for (processorid_t cpu; in >> cpu;) os.psetCpus.push_back(cpu);
+        for (processorid_t cpu; in >> cpu;)
+            if (!believableProcessor(cpu) || os.psetCpus.size() >= kMaxProcessors) return false;
+            else os.psetCpus.push_back(cpu);
     } else if (facility == "pset-fails") {
         return static_cast<bool>(in >> os.psetFailsOnCall);
     } else if (facility == "library") {
@@ -449,7 +458,7 @@ bool readLine(const std::string& text, SimulatedSystem& os)
     } else if (facility == "cpu_stat") {
         int instance;
         uint_t idle, user, kernel, wait;
-        if (!(in >> instance >> idle >> user >> kernel >> wait)) return false;
+        if (!(in >> instance >> idle >> user >> kernel >> wait) || !believableProcessor(instance)) return false;
         os.addCpuStat(instance, idle, user, kernel, wait);
         os.kstats.back().snapshot = g_snapshot;
         // Quirks of the record: "size N", "named", "unreadable".
@@ -474,7 +483,7 @@ bool readLine(const std::string& text, SimulatedSystem& os)
     } else if (facility == "online") {
         processorid_t cpu;
         std::string state;
-        if (!(in >> cpu >> state)) return false;
+        if (!(in >> cpu >> state) || !believableProcessor(cpu)) return false;
         const std::map<std::string, int> states = {
             {"on", P_ONLINE}, {"off", P_OFFLINE}, {"noint", P_NOINTR}, {"faulted", P_FAULTED}, {"fails", -1}};
         if (!states.count(state)) return false;

@@ -4,6 +4,7 @@
 // capture of a real machine is one such file, its first line the format's
 // word and version; a simulated machine is a folder: "machine.txt", and what
 // its probes print under "probes/".
+#include <cstddef>
 #include <iosfwd>
 #include <map>
 #include <string>
@@ -16,6 +17,8 @@ constexpr const char* kFormatWord = "invscan-machine";
 constexpr int kFormatVersion = 1;
 // A capture's last line: without it the file was cut short.
 constexpr const char* kEndWord = "end-of-capture";
+// No capture is larger (two probe answers at their 16 MiB bound, the rest).
+constexpr size_t kMaxCaptureBytes = 128u << 20;
 
 // Reads lines into `os`; false with `error` naming the line it could not
 // read. `needVersion` (a capture): the first line must be the format line,

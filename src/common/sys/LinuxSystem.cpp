@@ -26,7 +26,9 @@
 #include "common/sys/KstatChain.h"
 #include "common/sys/LinuxAnswers.h"
 #include "common/sys/LinuxDisks.h"
+#include "common/sys/LinuxHostId.h"
 #include "common/sys/PosixSystem.h"
+#include "common/sys/SeamNote.h"
 
 namespace sys {
 namespace {
@@ -123,12 +125,15 @@ void buildChain(LinuxKstatChain& chain)
     chain.ctl.kc_kd = -1;
 }
 
-std::string wholeFile(const char* path)
+// A firmware table file, empty when it is no regular file or is larger than
+// any table (a 32-bit entry point addresses at most 64 KiB; SMBIOS 3 tables
+// run to a few hundred).
+std::string firmwareFile(const char* path)
 {
-    std::ifstream in(path, std::ios::binary);
-    std::ostringstream out;
-    out << in.rdbuf();
-    return in ? out.str() : std::string();
+    std::string text;
+    bool cut = false;
+    if (!readRegularFile(path, text, 1 << 20, &cut) || cut) text.clear();
+    return text;
 }
 
 // The Solaris memory device, as far as the SMBIOS reader needs it: a sparse
@@ -137,8 +142,8 @@ std::string wholeFile(const char* path)
 // -1 (ENOENT, as on a machine without the device) when Linux shows no tables.
 int openFirmwareMemory()
 {
-    const std::string entry = wholeFile("/sys/firmware/dmi/tables/smbios_entry_point");
-    const std::string table = wholeFile("/sys/firmware/dmi/tables/DMI");
+    const std::string entry = firmwareFile("/sys/firmware/dmi/tables/smbios_entry_point");
+    const std::string table = firmwareFile("/sys/firmware/dmi/tables/DMI");
     if (entry.empty() || table.empty() || entry.size() > 0x100) {
         errno = ENOENT;
         return -1;
@@ -215,8 +220,21 @@ bool passThrough(int fd, uscsi_cmd& cmd)
     return true;
 }
 
+// The host id from local facts, with a note of which.
+uint32_t hostId()
+{
+    std::string source;
+    const uint32_t id = localHostId("", source);
+    note(("host id " + std::to_string(id) + " from " + source).c_str());
+    return id;
+}
+
 class LinuxSystem : public PosixSystem {
 public:
+    // Never glibc's gethostid(): it resolves the host name when "/etc/hostid"
+    // is absent, and a scan must not wait on the network.
+    long gethostid() override { return static_cast<long>(static_cast<int32_t>(hostId())); }
+
     int open(const char* path, int flags) override
     {
         if (path && std::strcmp(path, "/dev/xsvc") == 0) return openFirmwareMemory();
@@ -226,6 +244,13 @@ public:
             path[std::strlen(kRawDiskDir)] == '/')
             return openDisk(path + std::strlen(kRawDiskDir) + 1, flags);
         return PosixSystem::open(path, flags);
+    }
+
+    int openRegular(const char* path) override
+    {
+        std::string answer;
+        if (path && linuxanswers::answerFile(path, "", answer)) return openOver(answer);
+        return PosixSystem::openRegular(path);
     }
 
     int close(int fd) override
@@ -344,7 +369,7 @@ public:
         case SI_HW_SERIAL: {
             // The host id as an unsigned decimal, as the Solaris kernel keeps it.
             char id[HW_HOSTID_LEN + 1];
-            std::snprintf(id, sizeof id, "%lu", static_cast<unsigned long>(static_cast<uint32_t>(::gethostid())));
+            std::snprintf(id, sizeof id, "%lu", static_cast<unsigned long>(hostId()));
             return copyOut(id, buf, count);
         }
         case SI_HW_PROVIDER: {

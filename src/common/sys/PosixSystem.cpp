@@ -6,6 +6,7 @@
 #include <poll.h>
 #include <sys/ioctl.h>
 #include <sys/mman.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -73,6 +74,62 @@ int PosixSystem::closedir(Dir* dir)
 }
 
 int PosixSystem::open(const char* path, int flags) { return openCloexec(path, flags); }
+int PosixSystem::openRegular(const char* path) { return openRegularFile(path); }
+
+int openRegularFile(const char* path)
+{
+    const int fd = openCloexec(path, O_RDONLY | O_NONBLOCK);
+    if (fd < 0) return -1;
+    struct stat st;
+    int error = 0;
+    if (::fstat(fd, &st) != 0) {
+        error = errno;
+    } else if (S_ISDIR(st.st_mode)) {
+        error = EISDIR;
+    } else if (!S_ISREG(st.st_mode)) {
+        error = EINVAL;
+    } else {
+        const int flags = ::fcntl(fd, F_GETFL);
+        if (flags < 0 || ::fcntl(fd, F_SETFL, flags & ~O_NONBLOCK) != 0) error = errno;
+    }
+    if (error) {
+        ::close(fd);
+        errno = error;
+        return -1;
+    }
+    return fd;
+}
+
+bool readRegularFile(const char* path, std::string& text, size_t limit, bool* cut)
+{
+    text.clear();
+    if (cut) *cut = false;
+    const int fd = openRegularFile(path);
+    if (fd < 0) return false;
+    char buffer[16384];
+    int error = 0;
+    for (;;) {
+        // One byte past the limit tells a file of exactly `limit` bytes from a longer one.
+        const size_t room = limit - text.size() + 1;
+        const ssize_t n = ::read(fd, buffer, room < sizeof buffer ? room : sizeof buffer);
+        if (n < 0 && errno == EINTR) continue;
+        if (n < 0) error = errno;
+        if (n <= 0) break;
+        text.append(buffer, static_cast<size_t>(n));
+        if (text.size() > limit) {
+            text.resize(limit);
+            if (cut) *cut = true;
+            break;
+        }
+    }
+    ::close(fd);
+    if (error) {
+        text.clear();
+        errno = error;
+        return false;
+    }
+    return true;
+}
 int PosixSystem::close(int fd) { return ::close(fd); }
 int PosixSystem::ioctl(int fd, int request, void* arg) { return ::ioctl(fd, request, arg); }
 ssize_t PosixSystem::read(int fd, void* buf, size_t count) { return ::read(fd, buf, count); }

@@ -21,6 +21,7 @@ public:
     const char* readdir(Dir* dir) override;
     int closedir(Dir* dir) override;
     int open(const char* path, int flags) override;
+    int openRegular(const char* path) override;
     int close(int fd) override;
     int ioctl(int fd, int request, void* arg) override;
     ssize_t read(int fd, void* buf, size_t count) override;
@@ -38,5 +39,15 @@ public:
     int runCommand(const std::vector<std::string>& argv, int timeoutSeconds,
                    std::vector<std::string>& lines) override;
 };
+
+// Opens `path` to read only when it is a regular file, checked on the open
+// descriptor: a FIFO, a device (/dev/zero) or a socket gives -1 with EINVAL,
+// a folder EISDIR. The open never waits for a FIFO's writer; the descriptor
+// is closed on exec and reads block as usual.
+int openRegularFile(const char* path);
+
+// The first `limit` bytes of the regular file at `path`; `cut` (when given)
+// says whether it holds more. False with errno when it cannot be opened or read.
+bool readRegularFile(const char* path, std::string& text, size_t limit, bool* cut = nullptr);
 
 }  // namespace sys

@@ -460,7 +460,11 @@ NetworkFacts gatherNetwork(sys::System& os)
     if (run("ifconfig", {String("-a")}, lines)) facts.interfaces = parseIfconfig(lines);
     if (run("netstat", {String("-rn")}, lines)) facts.defaultRoutes = parseDefaultRoutes(lines);
     std::string text;
-    facts.resolverRead = util::readSystemFile(os, "/etc/resolv.conf", text, 64 << 10);
+    // The resolver itself reads no further than its first lines: a longer
+    // file still names the domain and servers.
+    bool resolverCut = false;
+    facts.resolverRead = util::readSystemFileHead(os, "/etc/resolv.conf", text, 64 << 10, &resolverCut);
+    if (resolverCut) NET_TRACE(traceMID, "hardware %s", "/etc/resolv.conf is over 64 KiB: its first 64 KiB read");
     if (facts.resolverRead)
         facts.resolver = parseResolver(text);
     else

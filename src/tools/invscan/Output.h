@@ -22,6 +22,18 @@ std::string renderText(KorTable& table);
 // {"id", "name", "version", "timestamp", "rows": [{name: value, ...}]}
 nlohmann::ordered_json renderJson(KorTable& table);
 
+// Text with its control characters (C0, DEL and, in UTF-8, C1) written as
+// JSON writes them (\n, \t, \u001b), so a hostile value cannot drive the
+// terminal. The one form of text output and error messages.
+std::string escapeControls(const std::string& text);
+
+// One aligned line per row: the group, the row's number and the values that
+// tell the row apart (its catalogue keys, then its first few other values),
+// for a view of the whole machine on one screen.
+std::string renderShort(KorTable& table);
+// A line in the same columns for a group that gave no rows, saying why.
+std::string shortNote(const std::string& group, const std::string& note);
+
 // Seconds since the epoch in local time, as 2024-01-31 23:59:58.
 std::string localTime(long seconds);
 
