@@ -17,6 +17,7 @@
 #include <mutex>
 #include <string>
 
+#include "common/sys/ChildOutput.h"
 #include "common/sys/Portable.h"
 #include "common/sys/Spawn.h"
 
@@ -241,42 +242,22 @@ int PosixSystem::runCommand(const std::vector<std::string>& argv, int timeoutSec
     }
 
     const long long deadline = timeoutSeconds > 0 ? monotonicMillis() + 1000LL * timeoutSeconds : -1;
+    ChildOutput child(pid, out[0], -1, deadline, static_cast<size_t>(-1));
     std::string pending;
-    bool timedOut = false;
     char chunk[4096];
-    for (;;) {
-        int wait = -1;
-        if (deadline >= 0) {
-            const long long left = deadline - monotonicMillis();
-            if (left <= 0) {
-                timedOut = true;
-                break;
-            }
-            wait = static_cast<int>(left);
-        }
-        struct pollfd p = {out[0], POLLIN, 0};
-        const int r = poll(&p, 1, wait);
-        if (r < 0 && errno == EINTR) continue;
-        if (r < 0) break;
-        if (r == 0) continue;  // the deadline check above ends it
-        const ssize_t n = ::read(out[0], chunk, sizeof chunk);
-        if (n < 0 && errno == EINTR) continue;
-        if (n <= 0) break;
-        splitLines(pending, chunk, static_cast<size_t>(n), lines);
-    }
-    closeFd(out[0]);
+    long n;
+    while ((n = child.read(chunk, sizeof chunk)) > 0) splitLines(pending, chunk, static_cast<size_t>(n), lines);
     if (!pending.empty()) lines.push_back(pending);
-    // A child that closed its output may still run: the deadline holds for it too.
     int status = 0;
-    Child child = Child::Running;
-    if (!timedOut) child = reapBy(pid, &status, deadline);
-    if (child == Child::Running) {
-        killGroup(pid);
-        reap(pid, &status);
+    switch (child.finish(&status)) {
+    case ChildOutput::End::Exited:
+        break;
+    case ChildOutput::End::Gone:
+        return 0;  // its status went to the host: it ended
+    default:
         errno = ETIMEDOUT;
         return -1;
     }
-    if (child == Child::Gone) return 0;  // its status went to the host: it ended
     if (!WIFEXITED(status)) return -1;
     return WEXITSTATUS(status);
 }

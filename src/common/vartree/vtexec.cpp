@@ -15,6 +15,7 @@
 #include <ctime>
 #include <string>
 
+#include "common/sys/ChildOutput.h"
 #include "common/sys/Portable.h"
 #include "common/sys/Spawn.h"
 #include "framework/NimCfg.h"
@@ -188,52 +189,23 @@ VtExecInfo* vtParseProgramOutput(VtIStream* out)
 
 namespace {
 
-// The probe's standard output, read with a deadline and a byte limit, while
-// its standard error (when not going to the log) is drained and dropped, so
-// the probe can never block on it. Either bound reached reads as the end.
+// The probe's standard output as a stream for the node-dump reader, read
+// with the scanner's deadline and the output bound; either bound reached
+// reads as the end.
 class BoundedOutput : public VtIStream {
 public:
-    BoundedOutput(int out, int err, long long deadline, std::string* copy)
-        : m_out(out), m_err(err), m_deadline(deadline), m_copy(copy)
-    {
-    }
-    bool timedOut() const { return m_timedOut; }
-    bool overflowed() const { return m_total > VT_MAX_OUTPUT_BYTES; }
+    BoundedOutput(sys::ChildOutput& child, std::string* copy) : m_child(child), m_copy(copy) {}
 
     int read(char* buffer, unsigned int length) override
     {
-        for (;;) {
-            if (overflowed() || m_timedOut || m_out < 0) return 0;
-            const long long left = m_deadline - sys::monotonicMillis();
-            if (left <= 0) {
-                m_timedOut = true;
-                return 0;
-            }
-            struct pollfd p[2] = {{m_out, POLLIN, 0}, {m_err, POLLIN, 0}};
-            const int r = poll(p, m_err >= 0 ? 2 : 1, static_cast<int>(left > 60000 ? 60000 : left));
-            if (r < 0 && errno != EINTR) return -1;
-            if (r <= 0) continue;
-            if (m_err >= 0 && p[1].revents) {
-                char sink[4096];
-                const ssize_t n = ::read(m_err, sink, sizeof sink);
-                if (n == 0 || (n < 0 && errno != EINTR && errno != EAGAIN)) m_err = -1;
-            }
-            if (p[0].revents) {
-                const ssize_t n = ::read(m_out, buffer, length);
-                if (n < 0 && (errno == EINTR || errno == EAGAIN)) continue;
-                if (n > 0) m_total += static_cast<size_t>(n);
-                if (n > 0 && m_copy && !overflowed()) m_copy->append(buffer, static_cast<size_t>(n));
-                return static_cast<int>(n);
-            }
-        }
+        const long n = m_child.read(buffer, length);
+        if (n > 0 && m_copy && !m_child.overflowed()) m_copy->append(buffer, static_cast<size_t>(n));
+        return static_cast<int>(n);
     }
 
 private:
-    int m_out, m_err;
-    long long m_deadline;
+    sys::ChildOutput& m_child;
     std::string* m_copy;  // what was read, for a capture
-    size_t m_total = 0;
-    bool m_timedOut = false;
 };
 
 VtProbeTap* g_tap = nullptr;
@@ -276,30 +248,22 @@ VtExecInfo* execProgram(const char* program, const char* args, const char* error
     // forever, so the scanner's time-out bounds the whole run.
     const int seconds = NimCfg::getTimeout();
     const long long deadline = sys::monotonicMillis() + 1000LL * seconds;
-    BoundedOutput output(fdOf(process->getStdout()), fdOf(process->getStderr()), deadline, copy);
+    sys::ChildOutput child(process->pid(), fdOf(process->getStdout()), fdOf(process->getStderr()), deadline,
+                           VT_MAX_OUTPUT_BYTES, false);
+    BoundedOutput output(child, copy);
     VtExecInfo* info = vtParseProgramOutput(&output);
-    // Close our ends first, so a probe still writing gets SIGPIPE instead of
-    // blocking, then reap it: a long-lived host must not collect zombies.
+    // Our ends closed first, so a probe still writing gets SIGPIPE instead of
+    // blocking; then it is waited for, killed past a bound, and reaped: a
+    // long-lived host must not collect zombies. A host that ignores SIGCHLD
+    // or reaps children itself takes the status first (Gone): the probe
+    // ended, and its output is what it says.
     process->getStdout()->close();
     process->getStderr()->close();
-    const pid_t pid = process->pid();
     int status = 0;
-    bool timedOut = output.timedOut();
-    // A host that ignores SIGCHLD or reaps children itself takes the status
-    // first (Gone): the probe ended, and its output is what it says.
-    sys::Child child = sys::Child::Gone;
-    if (pid > 0) {
-        if (!timedOut && !output.overflowed()) {
-            child = sys::reapBy(pid, &status, deadline);
-            timedOut = child == sys::Child::Running;  // its output ended, but it ran on
-        }
-        if (timedOut || output.overflowed()) {
-            sys::killGroup(pid);
-            child = sys::reap(pid, &status);
-        }
-    }
-    const bool reaped = child == sys::Child::Exited;
-    if (output.overflowed()) {
+    const sys::ChildOutput::End end = child.finish(&status);
+    const bool timedOut = end == sys::ChildOutput::End::TimedOut;
+    const bool reaped = end == sys::ChildOutput::End::Exited;
+    if (end == sys::ChildOutput::End::Overflowed) {
         CcLogWrapper::traceMIN(log, __LINE__, kSource, "vtExecProgram()", "[E] %s printed more than %u bytes: killed",
                                program, static_cast<unsigned>(VT_MAX_OUTPUT_BYTES));
         discard(*info);
