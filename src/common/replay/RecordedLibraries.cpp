@@ -4,7 +4,7 @@
 #include <cstring>
 
 #include "common/replay/Recorder.h"
-#include "invscan/solaris/ZoneLibraries.h"
+#include "common/sys/ZoneLibraries.h"
 
 namespace replay {
 namespace {

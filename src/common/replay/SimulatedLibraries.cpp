@@ -7,8 +7,8 @@
 #include <cstring>
 #include <string>
 
-#include "invscan/solaris/ZoneLibraries.h"
 #include "common/replay/SimulatedSystem.h"
+#include "common/sys/ZoneLibraries.h"
 
 namespace replay {
 

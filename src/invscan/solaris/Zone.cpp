@@ -8,13 +8,13 @@
 #include <vector>
 
 #include "common/sys/System.h"
+#include "common/sys/ZoneLibraries.h"
 #include "common/util/Toolbox.h"
 #include "framework/Trace.h"
 #include "framework/ZPopen.h"
 #include "framework/utils.h"
 #include "invscan/com/GroupRegistry.h"
 #include "invscan/com/ScanScoped.h"
-#include "invscan/solaris/ZoneLibraries.h"
 
 const char* const Zone::IDENTIFIER_NOT_SET = "-1";
 const float Zone::CAPACITY_NOT_AVAILABLE = -1.0f;
