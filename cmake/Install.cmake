@@ -10,6 +10,10 @@
 #
 # The probes stay in the home's bin/, off the PATH: they are the library's
 # helpers, and "cpuid" is also the name of another tool.
+#
+# Components, which the Debian packages follow: runtime (the shared
+# libraries), dev (headers, development links, pkg-config and CMake files),
+# tools (the home: the command line, the probes and the configuration).
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 
@@ -30,9 +34,9 @@ if(_system_libdir EQUAL -1)
 endif()
 
 install(TARGETS invsys nimfw invscan EXPORT invscanTargets
-        LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+        LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT dev
         INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} ${CMAKE_INSTALL_INCLUDEDIR}/invscan)
-install(TARGETS invscan-cli cpuid diskscan RUNTIME DESTINATION ${INVSCAN_HOME_DIR}/bin)
+install(TARGETS invscan-cli cpuid diskscan RUNTIME DESTINATION ${INVSCAN_HOME_DIR}/bin COMPONENT tools)
 
 # Only what a host needs: the data model, catalogue look-ups, rendering, the
 # factory and group base, and the framework's String and configuration with
@@ -41,38 +45,39 @@ set(_com ${PROJECT_SOURCE_DIR}/src/invscan/com)
 set(_fw ${PROJECT_SOURCE_DIR}/src/framework)
 install(FILES ${_com}/Catalogue.h ${_com}/CatalogueIds.h ${_com}/Export.h ${_com}/GroupFactory.h
               ${_com}/HWConfig.h ${_com}/KorGroup.h ${_com}/KorTable.h ${_com}/KorTypes.h ${_com}/Render.h
-        DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/invscan/com)
+        DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/invscan/com COMPONENT dev)
 install(FILES ${_fw}/NimCfg.h ${_fw}/String.h ${_fw}/XmlNimParser.h ${_fw}/XmlNode.h
-        DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/invscan/framework)
+        DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/invscan/framework COMPONENT dev)
 
 if(INVSCAN_CONFIG_DIR)
-  install(FILES ${PROJECT_SOURCE_DIR}/config/NimHWConfig.xml DESTINATION ${INVSCAN_CONFIG_DIR})
+  install(FILES ${PROJECT_SOURCE_DIR}/config/NimHWConfig.xml DESTINATION ${INVSCAN_CONFIG_DIR} COMPONENT tools)
   install(CODE "file(CREATE_LINK \"${INVSCAN_CONFIG_DIR}\"
-                     \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${INVSCAN_HOME_DIR}/config\" SYMBOLIC)")
+                     \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${INVSCAN_HOME_DIR}/config\" SYMBOLIC)" COMPONENT tools)
 else()
-  install(FILES ${PROJECT_SOURCE_DIR}/config/NimHWConfig.xml DESTINATION ${INVSCAN_HOME_DIR}/config)
+  install(FILES ${PROJECT_SOURCE_DIR}/config/NimHWConfig.xml DESTINATION ${INVSCAN_HOME_DIR}/config COMPONENT tools)
 endif()
 file(RELATIVE_PATH _bindir_to_cli "/${CMAKE_INSTALL_BINDIR}" "/${INVSCAN_HOME_DIR}/bin/invscan")
 install(CODE "file(MAKE_DIRECTORY \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_BINDIR}\")
               file(CREATE_LINK \"${_bindir_to_cli}\"
-                   \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_BINDIR}/invscan\" SYMBOLIC)")
+                   \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_BINDIR}/invscan\" SYMBOLIC)" COMPONENT tools)
 if(NOT INVSCAN_PACKAGE)  # the package installs it compressed
-  install(FILES ${PROJECT_SOURCE_DIR}/doc/invscan.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+  install(FILES ${PROJECT_SOURCE_DIR}/doc/invscan.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tools)
+  install(FILES ${PROJECT_SOURCE_DIR}/doc/invscan.3 DESTINATION ${CMAKE_INSTALL_MANDIR}/man3 COMPONENT dev)
 endif()
 
 # pkg-config: relative to the .pc file, so a moved tree still builds.
 file(RELATIVE_PATH _pc_to_prefix "/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/")
 string(REGEX REPLACE "/$" "" _pc_to_prefix "${_pc_to_prefix}")
 configure_file(${PROJECT_SOURCE_DIR}/cmake/invscan.pc.in ${CMAKE_BINARY_DIR}/invscan.pc @ONLY)
-install(FILES ${CMAKE_BINARY_DIR}/invscan.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+install(FILES ${CMAKE_BINARY_DIR}/invscan.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT dev)
 
 # find_package(invscan): the imported target invscan::invscan.
 set(_cmake_dir ${CMAKE_INSTALL_LIBDIR}/cmake/invscan)
-install(EXPORT invscanTargets NAMESPACE invscan:: DESTINATION ${_cmake_dir})
+install(EXPORT invscanTargets NAMESPACE invscan:: DESTINATION ${_cmake_dir} COMPONENT dev)
 configure_package_config_file(${PROJECT_SOURCE_DIR}/cmake/invscanConfig.cmake.in
   ${CMAKE_BINARY_DIR}/invscanConfig.cmake INSTALL_DESTINATION ${_cmake_dir}
   PATH_VARS INVSCAN_HOME_DIR)
 write_basic_package_version_file(${CMAKE_BINARY_DIR}/invscanConfigVersion.cmake
   COMPATIBILITY SameMajorVersion)
 install(FILES ${CMAKE_BINARY_DIR}/invscanConfig.cmake ${CMAKE_BINARY_DIR}/invscanConfigVersion.cmake
-        DESTINATION ${_cmake_dir})
+        DESTINATION ${_cmake_dir} COMPONENT dev)

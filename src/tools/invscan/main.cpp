@@ -566,7 +566,8 @@ int run(int argc, char** argv)
     CLI::App app{"invscan: scans this machine's hardware inventory and prints it.", "invscan"};
     app.set_version_flag("--version", versionText());
     app.require_subcommand(0, 1);
-    app.add_option("--format", options.format, "Output: text (readable), kor (diagnostic dump) or json")
+    app.add_option("--format", options.format,
+                   "Output: text (readable), short (a line a row), kor (diagnostic dump) or json")
         ->check(CLI::IsMember({"text", "short", "kor", "json"}))
         ->capture_default_str();
     app.add_option("--config", options.configFile, "Configuration file of key=value lines")
