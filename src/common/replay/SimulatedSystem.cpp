@@ -94,7 +94,34 @@ void SimulatedSystem::addBootTime(long long seconds)
     kstats.push_back(k);
 }
 
-void SimulatedSystem::tzset(sys::TimeZone& zone) { sys::platform().tzset(zone); }
+void SimulatedSystem::tzset(sys::TimeZone& zone)
+{
+    sys::platform().tzset(zone);
+    if (!zone.daylight) return;
+    // The summer offset of the machine's year, not of this host's clock's:
+    // the local time of a summer noon less its UTC time.
+    struct tm today;
+    if (!::localtime_r(&now, &today)) return;
+    for (int month = 0; month < 12; ++month) {
+        struct tm probe{};
+        probe.tm_year = today.tm_year;
+        probe.tm_mon = month;
+        probe.tm_mday = 15;
+        probe.tm_hour = 12;
+        probe.tm_isdst = -1;
+        const time_t when = std::mktime(&probe);
+        struct tm local, utc;
+        if (when == static_cast<time_t>(-1) || !::localtime_r(&when, &local) || local.tm_isdst <= 0 ||
+            !::gmtime_r(&when, &utc))
+            continue;
+        long days = local.tm_yday - utc.tm_yday;
+        if (local.tm_year != utc.tm_year) days = local.tm_year > utc.tm_year ? 1 : -1;
+        const long east = days * 86400 + (local.tm_hour - utc.tm_hour) * 3600L + (local.tm_min - utc.tm_min) * 60L +
+                          (local.tm_sec - utc.tm_sec);
+        zone.altzone = -east;
+        return;
+    }
+}
 
 bool scanReadsVariable(const std::string& name)
 {

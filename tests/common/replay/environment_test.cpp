@@ -82,6 +82,23 @@ TEST(CaptureEnvironment, AReplayTakesTheMachinesEnvironmentAndNoneOfTheHosts)
     EXPECT_EQ(std::getenv("LC_ALL"), nullptr);
     EXPECT_STREQ(std::setlocale(LC_CTYPE, nullptr), "C");  // no such locale here, and no UTF-8 one
     std::setlocale(LC_CTYPE, savedLocale.c_str());
+
+    // The summer offset is found in the machine's year, by its own clock:
+    // west and east of UTC, where a summer noon is on another UTC day.
+    const struct {
+        const char* tz;
+        long timezone, altzone;
+    } zones[] = {{"EST5EDT,M3.2.0,M11.1.0", 5 * 3600, 4 * 3600}, {"NZST-12NZDT,M9.5.0,M4.1.0/3", -12 * 3600, -13 * 3600}};
+    for (const auto& z : zones) {
+        machine.environment = {{"TZ", z.tz}};
+        machine.now = 946684800;  // 2000-01-01
+        replay::useMachineEnvironment(machine);
+        sys::TimeZone zone;
+        machine.tzset(zone);
+        EXPECT_EQ(zone.timezone, z.timezone) << z.tz;
+        EXPECT_EQ(zone.altzone, z.altzone) << z.tz;
+        EXPECT_EQ(zone.daylight, 1) << z.tz;
+    }
 }
 
 }  // namespace
