@@ -19,6 +19,7 @@
 #include <nlohmann/json.hpp>
 
 #include "support/Machine.h"
+#include "support/TableReader.h"
 #include "support/TempDir.h"
 
 namespace {
@@ -125,8 +126,10 @@ TEST_F(Cli, ListAndScanCoverEveryGroupInEachFormat)
 {
     const Result list = run({"list"});
     ASSERT_EQ(list.code, 0) << list.err;
-    EXPECT_TRUE(std::regex_search(list.out, std::regex(R"(^ *1  ComponentID\n(.*\n){20} *54  SAN Adapter\n$)")))
+    EXPECT_TRUE(std::regex_search(list.out, std::regex(R"(^ *1  ComponentID\n(.*\n)* *54  SAN Adapter\n$)")))
         << list.out;
+    EXPECT_EQ(static_cast<size_t>(std::count(list.out.begin(), list.out.end(), '\n')),
+              testsupport::catalogueGroupCount());
     EXPECT_EQ(nlohmann::json::parse(run({"list", "--format", "json"}).out).at("groups").at(1),
               (nlohmann::json{{"id", 2}, {"name", "Processor"}}));
 
@@ -134,7 +137,7 @@ TEST_F(Cli, ListAndScanCoverEveryGroupInEachFormat)
     ASSERT_EQ(r.code, 0) << r.err;
     const auto doc = nlohmann::json::parse(r.out);  // throws, failing the test, when not JSON
     EXPECT_TRUE(doc.at("invscan").at("build").is_string());
-    ASSERT_EQ(doc.at("groups").size(), 22u);
+    ASSERT_EQ(doc.at("groups").size(), testsupport::catalogueGroupCount());
     const Result text = run({"scan"}), kor = run({"--format", "kor", "scan"});
     for (const auto& group : doc["groups"]) {
         SCOPED_TRACE(group.dump());

@@ -128,3 +128,10 @@ std::vector<std::string> catalogueProblems(KorTable& table)
 }
 
 }  // namespace testsupport
+
+size_t testsupport::catalogueGroupCount()
+{
+    size_t n = 0;
+    while (GROUPS_DEF[n].id != KOR_END) ++n;
+    return n;
+}

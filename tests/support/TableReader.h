@@ -23,6 +23,9 @@ std::string valueText(const KorValue& value);
 // "Name = value" line per attribute for each row. Machine files hold this.
 std::string tableText(KorTable& table);
 
+// How many groups the catalogue has: tests count, never assume, them.
+size_t catalogueGroupCount();
+
 // What in the table disagrees with the catalogue: an attribute that is null
 // or unreadable, an id the group does not have, a type other than the
 // catalogue's, a string longer than its length, an id twice in one row.
