@@ -56,6 +56,14 @@ if(INVSCAN_CONFIG_DIR)
 else()
   install(FILES ${PROJECT_SOURCE_DIR}/config/NimHWConfig.xml DESTINATION ${INVSCAN_HOME_DIR}/config COMPONENT tools)
 endif()
+# A host that sets no config_dir gets the configuration installed here.
+if(INVSCAN_CONFIG_DIR)
+  set(_installed_config "${INVSCAN_CONFIG_DIR}")
+else()
+  set(_installed_config "${CMAKE_INSTALL_PREFIX}/${INVSCAN_HOME_DIR}/config")
+endif()
+set_source_files_properties(${PROJECT_SOURCE_DIR}/src/invscan/com/InstalledConfig.cpp
+  TARGET_DIRECTORY invscan_objects PROPERTIES COMPILE_DEFINITIONS "INVSCAN_INSTALLED_CONFIG_DIR=\"${_installed_config}\"")
 file(RELATIVE_PATH _bindir_to_cli "/${CMAKE_INSTALL_BINDIR}" "/${INVSCAN_HOME_DIR}/bin/invscan")
 install(CODE "file(MAKE_DIRECTORY \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_BINDIR}\")
               file(CREATE_LINK \"${_bindir_to_cli}\"

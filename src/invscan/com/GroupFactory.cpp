@@ -15,6 +15,7 @@
 #include "common/util/ApiGuard.h"
 #include "invscan/com/Catalogue.h"
 #include "invscan/com/GroupRegistry.h"
+#include "invscan/com/InstalledConfig.h"
 
 namespace {
 
@@ -235,6 +236,10 @@ int GroupFactory::loadNodeFromFile(const String& path, int priority)
             CcLogWrapper::traceMAX(hLog, __LINE__, SOURCE, "loadNodeFromFile", "hardware Open config file %s for read",
                                    file.c_str());
             std::FILE* in = file.empty() ? nullptr : utils::openRegularFile(file);
+            // A host that set no config_dir reads the installed configuration.
+            std::string installed;
+            if (!in && path == m_HWConfigFile && !(installed = hwconfig::installedFile(file)).empty())
+                in = utils::openRegularFile(installed);
             if (!in) {
                 CcLogWrapper::traceMIN(hLog, __LINE__, SOURCE, "loadNodeFromFile",
                                        "hardware ERROR! Failed to open file %s for reading", file.c_str());
