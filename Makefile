@@ -4,15 +4,15 @@ JOBS ?= $(shell nproc)
 CMAKE_FLAGS ?=
 CTEST_FLAGS ?= --output-on-failure -j$(JOBS)
 SHELL := /bin/bash
-# Quiet builds: no line per file or target, warnings and errors in full.
-CMAKE_FLAGS += -DCMAKE_RULE_MESSAGES=OFF
-BUILD = echo "building $(1)$(if $(2), ($(2)))..."; set -o pipefail; \
-        cmake --build $(1) -j$(JOBS) $(if $(2),--target $(2)) -- --no-print-directory | { grep -v '] Built target' || true; }
+# Builds show their progress condensed (a percentage line every few seconds,
+# not a line a file), warnings and errors in full.
+BUILD = echo "building $(1)$(if $(2), ($(2)))..."; \
+        scripts/build-progress.sh $(1) -j$(JOBS) $(if $(2),--target $(2))
 # How many tests skipped for want of ../shared/fixtures (CI fails them instead).
 SKIPPED = n=$$(grep -c "no real captures" $(1)/Testing/Temporary/LastTest.log 2>/dev/null); \
           [ "$${n:-0}" -eq 0 ] || echo "$$n tests skipped: ../shared/fixtures is absent"
 
-.PHONY: all deps build scan test test32 sanitize solaris-check bench fuzz fuzz-run clean install install-check package
+.PHONY: all deps build scan test test32 sanitize tsan solaris-check bench fuzz fuzz-run clean install install-check package
 
 all: build
 
@@ -64,6 +64,17 @@ sanitize: deps build-san/CMakeCache.txt
 	@$(call BUILD,build-san)
 	@cd build-san && ASAN_OPTIONS=detect_leaks=1:abort_on_error=1 UBSAN_OPTIONS=print_stacktrace=1 ctest $(CTEST_FLAGS)
 
+build-tsan/CMakeCache.txt: | deps
+	@cmake -S . -B build-tsan -DINVSCAN_TSAN=ON -DINVSCAN_BENCH=OFF -DCMAKE_BUILD_TYPE=RelWithDebInfo $(CMAKE_FLAGS) >/dev/null
+
+# ThreadSanitizer over the host tests (four threads scanning at once) and the
+# factory's; TSAN_SCANS scans each thread (a longer run: TSAN_SCANS=2000).
+TSAN_SCANS ?= 2
+tsan: deps build-tsan/CMakeCache.txt
+	@$(call BUILD,build-tsan,test_host test_factory)
+	@cd build-tsan && export TSAN_OPTIONS=halt_on_error=1:second_deadlock_stack=1 INVSCAN_THREAD_SCANS=$(TSAN_SCANS) && \
+	  bin/test_host && bin/test_factory
+
 # Every Solaris-built source compiled for i386-pc-solaris2.10 against the real
 # Solaris 10 headers in ../shared/solaris10-sysroot, names checked against
 # its libraries' exports (skipped without it, but not under CI=true).
@@ -87,4 +98,4 @@ fuzz-run: fuzz
 	@scripts/fuzz-run.sh $(FUZZ_RUNS) $(FUZZ_TIME)
 
 clean:
-	rm -rf build build32 build-san build-fuzz
+	rm -rf build build32 build-san build-tsan build-fuzz

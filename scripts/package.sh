@@ -14,10 +14,10 @@ if [ ! -f $dir/CMakeCache.txt ]; then
   LDFLAGS="$(dpkg-buildflags --get LDFLAGS)" \
   cmake -S . -B $dir -DCMAKE_BUILD_TYPE=RelWithDebInfo -DCMAKE_INSTALL_PREFIX=/usr \
         -DINVSCAN_CONFIG_DIR=/etc/invscan -DINVSCAN_PACKAGE=ON -DINVSCAN_TESTS=OFF \
-        -DINVSCAN_BENCH=OFF -DCMAKE_RULE_MESSAGES=OFF >/dev/null
+        -DINVSCAN_BENCH=OFF >/dev/null
 fi
 echo "building $dir..."
-cmake --build $dir -j"$(nproc)" -- --no-print-directory | { grep -v '] Built target' || true; }
+scripts/build-progress.sh $dir -j"$(nproc)"
 rm -f $dir/*.deb
 (cd $dir && cpack -G DEB >cpack.log) || { cat $dir/cpack.log; exit 1; }
 arch=$(dpkg --print-architecture) multiarch=$(dpkg-architecture -qDEB_HOST_MULTIARCH)
