@@ -201,7 +201,9 @@ TEST_F(Diff, TroubleExitsTwoAndSaysWhy)
         const char* message;
     };
     const std::vector<Case> cases = {
-        {{"diff", machine, renamed}, "are scans of different machines (--force compares them anyway):\n  UNIX System Params Hostname \"db07\" / \"db08\""},
+        {{"diff", machine, renamed},
+         "are scans of different machines (--force compares them anyway):\n"
+         "  UNIX System Params Hostname \"db07\" / \"db08\""},
         {{"diff", machine, m_temp.path() + "/none.json"}, "cannot read"},
         {{"diff", m_temp.write("foreign.json", R"({"groups": []})"), machine}, "is JSON but no invscan scan"},
         {{"diff", m_temp.write("broken.json", R"({"invscan": {)"), machine}, "is not readable JSON"},

@@ -36,6 +36,14 @@ std::string shellQuote(const std::string& word)
     return out + "'";
 }
 
+// A name read from a file, fit for a terminal: control characters become '?'.
+std::string printable(std::string text)
+{
+    for (char& c : text)
+        if (static_cast<unsigned char>(c) < 0x20 || c == 0x7F) c = '?';
+    return text;
+}
+
 // One side of the comparison, read as a scan's JSON document.
 struct Scan {
     std::string path;
@@ -190,8 +198,10 @@ std::vector<Group> pairGroups(const Json& oldDoc, const Json& newDoc)
         at[id] = groups.size();
         Group g;
         g.id = id;
-        g.name = entry.contains("name") && entry["name"].is_string() ? entry["name"].get<std::string>()
-                                                                      : getGroupNameFromId(id);
+        // The catalogue's name where it knows the group.
+        g.name = getGroupDefinitionFromId(id) || !entry.contains("name") || !entry["name"].is_string()
+                     ? getGroupNameFromId(id)
+                     : printable(entry["name"].get<std::string>());
         g.old.status = g.now.status = "absent";
         groups.push_back(g);
         return groups.back();
@@ -406,7 +416,8 @@ GroupDiff compareGroup(const Group& g, bool all)
         c.row = g.old.rows[i];
         if (!d.matching.names.empty() && buckets[c.label].first.size() > 1) {
             const std::string what = summary(d, *c.row);
-            c.label += " (row " + std::to_string(i + 1) + (what.empty() ? "" : ": " + what.substr(0, what.find(", "))) + ")";
+            c.label += " (row " + std::to_string(i + 1) +
+                       (what.empty() ? "" : ": " + what.substr(0, what.find(", "))) + ")";
         }
         d.changed.push_back(std::move(c));
     }
@@ -489,8 +500,8 @@ void printText(const Scan& older, const Scan& newer, const std::vector<GroupDiff
         for (const RowChange& c : d.added) std::printf("  + %s: %s\n", c.label.c_str(), summary(d, *c.row).c_str());
         for (const RowChange& c : d.changed)
             for (const auto& a : c.attributes)
-                std::printf("  ~ %s: %s: %s -> %s\n", c.label.c_str(), a.first.c_str(), shown(a.second.first).c_str(),
-                            shown(a.second.second).c_str());
+                std::printf("  ~ %s: %s: %s -> %s\n", c.label.c_str(), printable(a.first).c_str(),
+                            shown(a.second.first).c_str(), shown(a.second.second).c_str());
     }
     if (total == 0)
         std::printf("no change");
@@ -558,7 +569,8 @@ int runDiff(const DiffOptions& options, const std::string& self)
         if (!machines.empty() && !options.force) {
             std::string list;
             for (const std::string& m : machines) list += "\n  " + m;
-            trouble(options.oldPath + " and " + options.newPath + " are scans of different machines (--force compares them anyway):" + list);
+            trouble(options.oldPath + " and " + options.newPath +
+                    " are scans of different machines (--force compares them anyway):" + list);
             return EXIT_TROUBLE;
         }
         const std::vector<Group> groups = pairGroups(older.doc, newer.doc);

@@ -14,7 +14,10 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-Json unsignedUpTo(unsigned long long maximum) { return Json{{"type", "integer"}, {"minimum", 0}, {"maximum", maximum}}; }
+Json unsignedUpTo(unsigned long long maximum)
+{
+    return Json{{"type", "integer"}, {"minimum", 0}, {"maximum", maximum}};
+}
 
 // One value of an attribute, as the JSON output renders it (Output.cpp): an
 // enumerated number with its text as {"value", "text"}, a number outside the
@@ -37,7 +40,8 @@ Json valueSchema(uint32_t groupId, const korAttribDef& a, Json& defs, EnumRefs& 
     case KOR_OCTETSTRING: value = Json{{"type", "string"}, {"pattern", "^([0-9A-F]{2})*$"}}; break;
     case KOR_DATETIME:
         // year-month-day-hour.minute.second.000000; empty when the time could not be converted
-        value = Json{{"type", "string"}, {"pattern", "^([0-9]{4}-[0-9]{2}-[0-9]{2}-[0-9]{2}\\.[0-9]{2}\\.[0-9]{2}\\.[0-9]{6})?$"}};
+        value = Json{{"type", "string"},
+                     {"pattern", "^([0-9]{4}-[0-9]{2}-[0-9]{2}-[0-9]{2}\\.[0-9]{2}\\.[0-9]{2}\\.[0-9]{6})?$"}};
         break;
     default:  // strings
         value = Json{{"type", "string"}};
@@ -73,7 +77,8 @@ Json tableSchema(const korGroupDef& g, Json& defs, EnumRefs& enums)
 {
     Json attributes = Json::object();
     if (g.attribs)
-        for (const korAttribDef* a = g.attribs; a->id != KOR_END; ++a) attributes[a->name] = attributeSchema(g.id, *a, defs, enums);
+        for (const korAttribDef* a = g.attribs; a->id != KOR_END; ++a)
+            attributes[a->name] = attributeSchema(g.id, *a, defs, enums);
     const Json row{{"type", "object"}, {"properties", std::move(attributes)}, {"additionalProperties", false}};
     return Json{{"type", "object"},
                 {"required", {"id", "name", "version", "timestamp", "rows"}},

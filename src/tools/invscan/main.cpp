@@ -1,6 +1,7 @@
 // invscan: the command-line host. Drives the scanner library the way an
 // inventory host does and prints what the groups return.
 #include <fcntl.h>
+#include <signal.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -45,6 +46,32 @@
 #include "tools/invscan/Schema.h"
 
 namespace cli {
+
+// The replayed capture's hardware configuration lives in a temporary file
+// for the run; a signal that ends the run removes it first (only
+// async-signal-safe calls in the handler), then ends the run as it would have.
+char g_heldConfig[64] = "";
+
+extern "C" void removeHeldConfig(int signalNumber)
+{
+    if (g_heldConfig[0]) unlink(g_heldConfig);
+    raise(signalNumber);  // the handler was reset: the default action ends the process
+}
+
+void removeHeldConfigOnSignals()
+{
+    for (int signalNumber : {SIGHUP, SIGINT, SIGQUIT, SIGTERM, SIGPIPE, SIGALRM, SIGUSR1, SIGUSR2}) {
+        struct sigaction previous;
+        // A signal the caller ignores (nohup) stays ignored.
+        if (sigaction(signalNumber, nullptr, &previous) != 0 || previous.sa_handler == SIG_IGN) continue;
+        struct sigaction action;
+        std::memset(&action, 0, sizeof action);
+        action.sa_handler = removeHeldConfig;
+        sigemptyset(&action.sa_mask);
+        action.sa_flags = SA_RESETHAND;
+        sigaction(signalNumber, &action, nullptr);
+    }
+}
 
 namespace {
 
@@ -610,9 +637,12 @@ int run(int argc, char** argv)
     capture->add_option("--replay", options.replay, "Capture a replay instead of this machine (to sanitize a capture)")
         ->type_name("FILE");
     capture->add_flag("--force", options.force, "Replace FILE when it exists");
-    CLI::App* diff = app.add_subcommand("diff", "Say what changed between two scans of one machine (exit 1 when anything did)");
+    CLI::App* diff =
+        app.add_subcommand("diff", "Say what changed between two scans of one machine (exit 1 when anything did)");
     DiffOptions diffOptions;
-    diff->add_option("old", diffOptions.oldPath, "The earlier scan: JSON, a capture or a machine's folder")->required()->type_name("OLD");
+    diff->add_option("old", diffOptions.oldPath, "The earlier scan: JSON, a capture or a machine's folder")
+        ->required()
+        ->type_name("OLD");
     diff->add_option("new", diffOptions.newPath, "The later scan, likewise")->required()->type_name("NEW");
     diff->add_flag("--all", diffOptions.all, "Compare the attributes that change on every scan too");
     diff->add_flag("--force", diffOptions.force, "Compare scans of two different machines");
@@ -650,7 +680,9 @@ int run(int argc, char** argv)
     // The capture's hardware configuration, unless one is named.
     std::string heldConfig;
     if (simulated && simulated->hasHardwareConfig && options.hwConfig.empty()) {
-        char path[] = "/tmp/invscan-hwconfig-XXXXXX";
+        char* path = g_heldConfig;
+        std::snprintf(g_heldConfig, sizeof g_heldConfig, "%s", "/tmp/invscan-hwconfig-XXXXXX");
+        removeHeldConfigOnSignals();
         const int fd = mkstemp(path);
         if (fd < 0 || write(fd, simulated->hardwareConfig.data(), simulated->hardwareConfig.size()) < 0) {
             fail(std::string("cannot replay the capture's hardware configuration: ") + std::strerror(errno));
@@ -669,6 +701,7 @@ int run(int argc, char** argv)
                                          : runScan(options);
     if (simulated) endReplay(*simulated);
     if (!heldConfig.empty()) unlink(heldConfig.c_str());
+    g_heldConfig[0] = '\0';
     return code;
 }
 
