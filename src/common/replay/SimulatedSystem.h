@@ -68,7 +68,8 @@ public:
     // "unix:0:system_misc" with the named value "boot_time".
     void addBootTime(long long seconds);
 
-    // time and login records; the time zone is the process's own (TZ)
+    // time and login records; the time zone is the process's own TZ, which
+    // useMachineEnvironment sets from `environment`
     time_t now = 1700000000;  // 2023-11-14 22:13:20 UTC
     std::vector<struct utmpx> utmpxRecords;
 
