@@ -17,6 +17,7 @@
 #include "common/replay/Sanitizer.h"
 #include "common/replay/SimulatedSystem.h"
 #include "common/sys/Portable.h"
+#include "common/sys/PosixSystem.h"
 
 extern char** environ;
 
@@ -36,9 +37,9 @@ void writeLines(std::ostream& out, const std::string& text)
 // ("CET-1CEST,M3.5.0,M10.5.0/3"); empty when the file is not one.
 std::string zoneFileRule(const std::string& path)
 {
-    std::ifstream in(path, std::ios::binary);
     std::string data;
-    if (in) data.assign(std::istreambuf_iterator<char>(in), {});
+    bool cut = false;
+    if (!sys::readRegularFile(path.c_str(), data, 1 << 20, &cut) || cut) return "";  // zone files are a few KiB
     if (data.size() < 8 || data.compare(0, 4, "TZif") != 0 || data[4] < '2' || data.back() != '\n') return "";
     const size_t start = data.rfind('\n', data.size() - 2);
     if (start == std::string::npos) return "";

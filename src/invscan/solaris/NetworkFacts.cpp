@@ -441,7 +441,7 @@ std::string driverPath(sys::System& os, const std::string& driver)
                                  "/usr/kernel/drv/sparcv9/", "/usr/kernel/drv/"};
     for (const std::string& folder : paths) {
         const std::string path = folder + driver;
-        const int fd = os.open(path.c_str(), O_RDONLY);
+        const int fd = os.openRegular(path.c_str());  // a module is a file; a FIFO there would block an open
         if (fd < 0) continue;
         os.close(fd);
         return path;
