@@ -26,6 +26,7 @@ seeds() {
     fuzz_diskscan_parsers) echo "$fixtures/solaris-storage/*mnttab* $fixtures/solaris-storage/*mount* \
       $fixtures/solaris-storage/*zpool* $fixtures/solaris-storage/*metastat* $fixtures/*/*fcinfo*" ;;
     fuzz_zone_lines) echo "$fixtures/zones/*zoneadm* $fixtures/zones/*zonecfg*" ;;
+    fuzz_machine) echo "tests/machines/*/machine.txt" ;;
     *) echo "" ;;
   esac
 }
@@ -36,6 +37,9 @@ options() {
     # Each zoneadm line asks zonecfg about its zone: inputs of a kilobyte
     # reach every path, and longer ones only run the same loop more.
     fuzz_zone_lines) echo "-max_len=1024" ;;
+    # A device tree of 16 KiB has dozens of PCI nodes: the 100 KiB captures
+    # are read cut there, and a longer input only runs the same loop more.
+    fuzz_pci) echo "-max_len=16384" ;;
     *) echo "" ;;
   esac
 }
@@ -78,14 +82,80 @@ for path in sys.argv[2:]:
 EOF
 }
 
+# The targets that answer a simulated machine's questions with their input
+# (fuzz/FuzzedAnswers.h): each seed is a selector byte, naming the question,
+# then one answer: a capture of ../shared/fixtures (its provenance header
+# taken off), or what a simulated machine's machine.txt answers ("run ARGS"
+# or "file PATH" and its "> " lines; several joined by NUL bytes).
+answer_seeds() {
+  python3 - "$1" "$2" "$fixtures" <<'EOF'
+import glob, os, sys
+target, corpus, fx = sys.argv[1:4]
+S10 = 0x80  # the high bit: a Solaris 10 machine, or the target's other form
+# selector byte -> fixture globs, and selector byte -> machine.txt questions
+specs = {
+    "fuzz_network": ([(0, "solaris-network/*ifconfig*"), (1, "solaris-network/*netstat*"),
+                      (2, "solaris-network/*resolv.conf*"), (3, "solaris-network/*show-phys*"),
+                      (5, "solaris-network/*show-link*"), (S10 | 6, "solaris-network/*show-dev*"),
+                      (S10 | 7, "solaris-network/*show-aggr*"), (8, "solaris-devices/*modinfo*"),
+                      (9, "solaris-devices/*path_to_inst*")],
+                     [(0, ["run ifconfig -a", "run netstat -rn", "file /etc/resolv.conf",
+                           "run dladm show-phys -p -o link,media,device",
+                           "run dladm show-phys -m -p -o link,slot,address",
+                           "run dladm show-link -p -o link,class,over"]),
+                      (S10 | 0, ["run ifconfig -a", "run netstat -rn", "file /etc/resolv.conf", "", "", "",
+                                 "run dladm show-dev", "run dladm show-aggr"]),
+                      (8, ["run modinfo", "file /etc/path_to_inst"])]),
+    "fuzz_system": ([(0, "solaris-system/*release*"), (2, "solaris-system/*etc_default_init*"),
+                     (3, "solaris-system/*pkg*"), (4, "solaris-system/*kbd*"),
+                     (7, "solaris-storage/*mnttab*"), (7, "fcinfo-psrinfo-df/*mount*")],
+                    [(S10 | 0, ["file /etc/release"]), (2, ["file /etc/default/init"]),
+                     (S10 | 3, ["file /var/sadm/pkg/SUNWcsr/pkginfo"]),
+                     (4, ["run kbd -t -l", "file /etc/default/kbd",
+                          "file /usr/share/lib/keytables/type_6/kbd_layouts"]),
+                     (7, ["file /etc/mnttab"])]),
+    "fuzz_pci": ([(0, "solaris-devices/*prtconf*")],
+                 [(0, ["run prtconf -pv", "file /usr/share/hwdata/pci.ids"])]),
+}
+if target not in specs: sys.exit(0)
+captures, questions = specs[target]
+def write(name, selector, texts):
+    with open(os.path.join(corpus, "seed-" + name), "wb") as out:
+        out.write(bytes([selector]) + b"\0".join(texts))
+for selector, pattern in captures:
+    for path in glob.glob(os.path.join(fx, pattern)):
+        data = open(path, "rb").read()
+        mark = b"#==== END OF PROVENANCE HEADER ====\n"
+        end = data.find(mark)
+        write(os.path.basename(path), selector, [data[end + len(mark):] if end >= 0 else data])
+for machine in sorted(glob.glob("tests/machines/*/machine.txt")):
+    answers, current = {}, None
+    for line in open(machine, "rb").read().decode("utf-8", "replace").split("\n"):
+        if line.startswith("> ") or line == ">":
+            if current is not None: answers[current].append(line[2:])
+        elif line.startswith(("run ", "file ")):
+            current = line
+            answers[current] = []
+        else:
+            current = None
+    for selector, keys in questions:
+        if not any(k in answers for k in keys): continue
+        texts = [("\n".join(answers[k]) + "\n").encode() if k in answers else b"" for k in keys]
+        write("%s-%02x" % (machine.split("/")[-2], selector), selector, texts)
+EOF
+}
+
 printf '%-24s %12s %8s %8s\n' target executions seconds corpus
 for t in "${targets[@]}"; do
   corpus=build-fuzz/corpus/$t
   mkdir -p "$corpus"
   for f in $(seeds "$t"); do
-    [ -f "$f" ] && cp -n "$f" "$corpus/seed-$(basename "$f")" 2>/dev/null || true
+    # Named by the path: the simulated machines' files share one name.
+    name=$(echo "${f#"$fixtures"/}" | tr / _)
+    [ -f "$f" ] && cp -n "$f" "$corpus/seed-$name" 2>/dev/null || true
   done
   [ "$t" != fuzz_cpuid_decode ] || [ ! -d "$fixtures/cpuid" ] || cpuid_seeds "$corpus"
+  answer_seeds "$t" "$corpus"
   log=build-fuzz/$t.log
   start=$(date +%s)
   # shellcheck disable=SC2046
