@@ -37,7 +37,7 @@ done
 #    postrm that run ldconfig; the package's ldconfig trigger is what Debian
 #    asks for, the extra call is harmless.
 # Of lintian's notes (not checked): the catalogue's and the trace's texts are
-# kept as the design spells them ("Millenium", "Syncronous", ...), and the
+# kept as hosts know them ("Millenium", "Syncronous", ...), and the
 # C++ interface is held by its list of exported names, not a symbols file.
 lintian --fail-on error,warning --suppress-tags \
   package-name-doesnt-match-sonames,maintscript-calls-ldconfig "$runtime"

@@ -74,7 +74,7 @@ TEST(NodeDump, ValuesByKindAndLookupsNeverConvert)
     EXPECT_EQ(d->value.d.bytes[1], 0x0b);
     EXPECT_EQ(a->getValue("e")->value.d.length, 0u);
     EXPECT_STREQ(a->getValue("u")->value.u, L"\u00e9x");
-    EXPECT_EQ(a->getValue("z")->value.d.bytes[0], static_cast<unsigned char>(('z' - '0') * 16 + ('z' - '0')));  // lenient by design
+    EXPECT_EQ(a->getValue("z")->value.d.bytes[0], static_cast<unsigned char>(('z' - '0') * 16 + ('z' - '0')));  // lenient on purpose
     // Kinds are never converted.
     EXPECT_EQ(a->getValue(nullptr, "s", 99), 99);
     EXPECT_STREQ(a->getValue(nullptr, "n", "def"), "def");

@@ -244,7 +244,7 @@ VtExecInfo* execProgram(const char* program, const char* args, const char* error
         CcLogWrapper::traceMIN(log, __LINE__, kSource, "vtExecProgram()", "[E] %s could not be executed: %s", program,
                                std::strerror(process->startError()));
 
-    // The design has probes run unbounded; a long-lived host cannot wait
+    // Probes are meant to run unbounded; a long-lived host cannot wait
     // forever, so the scanner's time-out bounds the whole run.
     const int seconds = NimCfg::getTimeout();
     const long long deadline = sys::monotonicMillis() + 1000LL * seconds;

@@ -22,7 +22,7 @@ const korEnumDef ADAPTER_TYPE_ENUM_DEF[] = {
     {5, "Fibre Channel Adapter"}, {6, "Serial Line IP"}, {7, "Enterprise Systems Connection"},
     {8, "Channel to channel interface"}, {9, "IUCV"}, {10, "PPP Adapter"}, {11, "CSMA CD Adapter"},
     {12, "Token Passing Bus Adapter"}, {13, "Metro Net Adapter"}, {14, "ISO HDLC Adapter"},
-    {15, "Character Syncronous Adapter"},  // spelled so by design
+    {15, "Character Syncronous Adapter"},  // spelled so: hosts match the text
     {16, "Zyx Channel to Channel Adapter"}, {17, "FDDI Adapter"}, {19, "Loopback Adapter"}, KENUM_END};
 
 // The operating-system types of the DMTF list, each value one above the
@@ -39,7 +39,7 @@ const korEnumDef OS_TYPE_ENUM_DEF[] = {
     {48, "Inferno"}, {49, "QNX"}, {50, "EPOC"}, {51, "IxWorks"}, {52, "VxWorks"}, {53, "MiNT"},
     {54, "BeOS"}, {55, "HP MPE"}, {56, "NextStep"}, {57, "PalmPilot"}, {58, "Rhapsody"},
     {59, "Windows 2000"}, {60, "Dedicated"}, {61, "OS/390"}, {62, "VSE"}, {63, "TPF"},
-    {64, "Windows Millenium"},  // spelled so by design
+    {64, "Windows Millenium"},  // spelled so: hosts match the text
     {65, "Caldera Open UNIX"}, {66, "OpenBSD"}, {67, "Not Applicable"}, {68, "Windows XP"}, {69, "z/OS"},
     {70, "Microsoft Windows Server 2003"}, {71, "Microsoft Windows Server 2003 64-Bit"},
     {72, "Windows XP 64-Bit"}, {73, "Windows XP Embedded"}, {80, "Windows 2012"}, {81, "Windows 10"},
@@ -117,7 +117,7 @@ const korEnumDef FILE_SYSTEM_TYPE_ENUM_DEF[] = {
     {0xFE, "SpeedStor > 1024 cyl. | LANstep | IBM PS/2 IML"}, {0xFF, "Xenix Bad Block Table"},
     KENUM_END};
 
-// The SMBIOS processor-family list; "Alpah 21064" is spelled so by design.
+// The SMBIOS processor-family list; "Alpah 21064" is spelled so: hosts match the text.
 const korEnumDef PROCESSOR_FAMILY_ENUM_DEF[] = {
     {1, "Other"}, {2, "Unknown"}, {3, "8086"}, {4, "80286"}, {5, "80386"}, {6, "80486"}, {7, "8087"},
     {8, "80287"}, {9, "80387"}, {10, "80487"}, {11, "Pentium(R) brand"}, {12, "Pentium(R) Pro"},

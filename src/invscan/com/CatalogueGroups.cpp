@@ -74,7 +74,7 @@ const korAttribDef STORAGE_ATTRS_DEF[] = {
 
 const korAttribDef IP_ADDR_ATTRS_DEF[] = {
     KULONG(IP_INDEX, "Index"), KSTR(IP_ADDRESS, "Address", 40),
-    KSTR(IP_DHCP_ENABLED, "DHCP Enabled", 1),  // third by design although its id is 9
+    KSTR(IP_DHCP_ENABLED, "DHCP Enabled", 1),  // third on purpose although its id is 9
     KSTR(IP_HOSTNAME, "Hostname", 64), KSTR(IP_DOMAIN, "Domain", 64), KSTR(IP_SUBNET, "Subnet", 40),
     KSTR(IP_GATEWAY, "Gateway", 40), KSTR(IP_PRIMARY_DNS, "Primary DNS", 40),
     KSTR(IP_SECONDARY_DNS, "Secondary DNS", 40), KSTR(IP_PERMANENT_MAC, "Permanent Mac Address", 64),
@@ -184,7 +184,7 @@ const korAttribDef VIRTUAL_MACHINE_ATTRS_DEF[] = {
     KFLOAT(23, "IflShared"), KFLOAT(24, "ZiipTotal"), KFLOAT(25, "ZiipDedicated"), KFLOAT(26, "ZiipShared"),
     KFLOAT(27, "CpCapacityCap"), KFLOAT(28, "IflCapacityCap"), KFLOAT(29, "ZiipCapacityCap"),
     KFLOAT(30, "CpCapacityCapInCores"),
-    KFLOAT(53, "ZiipCapacityCapInCores"),  // stands here by design, out of id order
+    KFLOAT(53, "ZiipCapacityCapInCores"),  // stands here on purpose, out of id order
     KSTR(31, "VirtualLayerID", 48), KULONG(32, "IflDispatchType"), KULONG(33, "CpDispatchType"),
     KSTR(VM_SHARED_POOL_ID, "SharedPool ID", 128), KFLOAT(VM_SHARED_POOL_CAPACITY, "SharedPool Capacity In Cores"),
     KFLOAT(36, "IflThreads"), KFLOAT(37, "ZiipThreads"), KFLOAT(38, "CpThreads"), KFLOAT(39, "IflCapacityCapInCores"),

@@ -1,5 +1,5 @@
 // Every reader of system files, given what is no regular file or is past its
-// bound: each fails at once (or, where the design keeps a file's head, keeps
+// bound: each fails at once (or, where a reader keeps a file's head, keeps
 // only whole lines of it) and none blocks. Each case runs in a child process
 // that an alarm ends, so a reader that does block fails instead of hanging.
 #include <gtest/gtest.h>
