@@ -1,6 +1,15 @@
 #pragma once
 // The library's entry point: the process-wide factory the host asks for
 // groups, and the hardware configuration it loads for them.
+//
+// Threads: the library is meant to be driven by one host thread at a time,
+// but a host may call it from several. Every entry point (each method here,
+// each group's getTable(), the probe accessors, the catalogue look-up by
+// name, the printing functions, Toolbox) takes one process-wide recursive
+// lock, so calls from several threads take turns: each gets correct tables,
+// and scans made at once last as long as made one after the other. No entry
+// point throws: an exception, out of memory included, becomes its neutral
+// result (a null group or table, 0 or false) and a minimum-level trace line.
 #include <list>
 #include <map>
 #include <vector>

@@ -2,6 +2,7 @@
 
 #include <dlfcn.h>
 
+#include <cctype>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
@@ -314,6 +315,18 @@ bool Zone::getZonePropertyValue(const std::string& property, const std::string& 
 {
     // A zoneadm line without a name names no zone: zonecfg would only refuse.
     if (zoneName.empty()) return false;
+    // Solaris zone names begin with a letter or digit and hold only letters,
+    // digits, '-', '_' and '.', at most 64 of them: anything else (a name
+    // beginning with '-' would reach zonecfg as an option, a blank would
+    // split into more arguments) comes from a broken or hostile listing.
+    bool valid = zoneName.size() <= 64 && std::isalnum(static_cast<unsigned char>(zoneName[0]));
+    for (const char c : zoneName)
+        valid = valid && (std::isalnum(static_cast<unsigned char>(c)) || c == '-' || c == '_' || c == '.');
+    if (!valid) {
+        ZONE_TRACE(traceMIN, "getZonePropertyValue()", "ERROR! zone name '%s' is no zone name: zonecfg not asked",
+                   zoneName.c_str());
+        return false;
+    }
     return getMatchedCommandOutput("zonecfg", "-z " + zoneName + " info " + property,
                                    property + ":[[:space:]]+([^[:space:]]*)", out);
 }

@@ -161,3 +161,36 @@ TEST(LparOnThisMachine, NodeCapacityIsTheTopologyAndThereIsNoZone)
 }
 
 }  // namespace
+
+namespace {
+
+// zonecfg is asked only about names a zone can have: one beginning with '-'
+// would be read as an option, one with a blank split into more arguments.
+TEST(ZoneNames, OnlyAZoneNameReachesZonecfg)
+{
+    const struct {
+        std::string name;
+        bool asked;
+    } cases[] = {
+        {"web1", true},           {"db-2.prod_x", true}, {"9lives", true},
+        {"-z", false},            {"-oops", false},      {".hidden", false},
+        {"a info brand", false},  {"a;b", false},        {std::string(65, 'a'), false},
+        {std::string(64, 'a'), true},
+    };
+    for (const auto& c : cases) {
+        FakeSystem os;
+        os.commands["zonecfg -z " + c.name + " info brand"].output = "brand: solaris\n";
+        testsupport::ScopedSystem scope(os);
+        trace::Capture capture;
+        Zone zone;
+        std::string brand;
+        EXPECT_EQ(zone.getZonePropertyValue("brand", c.name, brand), c.asked) << c.name;
+        EXPECT_EQ(brand, c.asked ? "solaris" : "") << c.name;
+        bool ran = false;
+        for (const auto& run : os.runs) ran = ran || run.first.rfind("zonecfg", 0) == 0;
+        EXPECT_EQ(ran, c.asked) << c.name;
+        EXPECT_EQ(capture.contains("is no zone name"), !c.asked) << c.name;
+    }
+}
+
+}  // namespace
