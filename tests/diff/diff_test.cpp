@@ -171,6 +171,35 @@ TEST_F(Diff, AGroupInOneScanOnlyIsListed)
     EXPECT_EQ(run({"diff", whole, machine}).code, 0);
 }
 
+TEST_F(Diff, ADiskTakenOutMovesTheIndexOfThoseBehindIt)
+{
+    nlohmann::json scan = scanJson(testsupport::machineDir("sol10-san-multipath"));
+    const std::string whole = m_temp.write("whole.json", scan.dump());
+    size_t disks = 0;
+    for (auto& g : scan["groups"])
+        if (g["name"] == "Storage") {
+            auto& rows = g["tables"][0]["rows"];
+            disks = rows.size();
+            ASSERT_GE(disks, 3u);
+            rows.erase(rows.begin() + 1);
+            for (size_t i = 1; i < rows.size(); ++i) rows[i]["Index"] = i + 1;
+        }
+    const ProgramResult r = run({"diff", whole, m_temp.write("cut.json", scan.dump())});
+    EXPECT_EQ(r.code, 1) << r.err;
+    EXPECT_NE(r.out.find("\nStorage (group 5), rows matched by key Index, ID (then without Index)\n"), std::string::npos)
+        << r.out;
+    const std::vector<std::string> lines = changeLines(r.out);
+    ASSERT_EQ(lines.size(), disks - 1) << r.out;
+    EXPECT_TRUE(std::regex_match(lines[0], std::regex(R"(  - Index=2, ID="[0-9a-f]{32}": Type=30 \(Hard Disk\), .*)")))
+        << lines[0];
+    for (size_t i = 1; i < lines.size(); ++i) {
+        const std::string index = std::to_string(i + 2), moved = std::to_string(i + 1);
+        EXPECT_TRUE(std::regex_match(lines[i], std::regex("  ~ Index=" + index + R"(, ID="[0-9a-f]{32}": Index: )" +
+                                                          index + " -> " + moved)))
+            << lines[i];
+    }
+}
+
 TEST_F(Diff, JsonNamesTheMatchAndEachAttributesOldAndNewValue)
 {
     const std::string copy = testsupport::copyMachine("sol10-x86-disks-and-dvd", m_temp, "disk");

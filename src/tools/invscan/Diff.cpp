@@ -384,26 +384,45 @@ GroupDiff compareGroup(const Group& g, bool all)
     };
     // Rows that share a key (zones all carry the host's id) pair by likeness:
     // the pairs with the fewest differences first, ties in row order.
-    std::map<std::string, std::pair<std::vector<size_t>, std::vector<size_t>>> buckets;
-    for (size_t i = 0; i < g.old.rows.size(); ++i) buckets[labelOf(*g.old.rows[i], i + 1).label].first.push_back(i);
-    for (size_t j = 0; j < g.now.rows.size(); ++j) buckets[labelOf(*g.now.rows[j], j + 1).label].second.push_back(j);
     std::vector<long> pairOf(g.old.rows.size(), -1);
     std::vector<bool> paired(g.now.rows.size(), false);
-    for (const auto& bucket : buckets) {
-        const std::vector<size_t>& olds = bucket.second.first;
-        const std::vector<size_t>& news = bucket.second.second;
-        std::vector<std::pair<size_t, std::pair<size_t, size_t>>> candidates;
-        for (size_t i : olds)
-            for (size_t j : news)
-                candidates.push_back({olds.size() == 1 && news.size() == 1 ? 0 : differences(i, j).size(), {i, j}});
-        std::sort(candidates.begin(), candidates.end());
-        for (const auto& c : candidates) {
-            const size_t i = c.second.first, j = c.second.second;
-            if (pairOf[i] >= 0 || paired[j]) continue;
-            pairOf[i] = static_cast<long>(j);
-            paired[j] = true;
+    std::vector<bool> sharedKey(g.old.rows.size(), false);
+    auto pairBy = [&](const Matching& m) {
+        std::map<std::string, std::pair<std::vector<size_t>, std::vector<size_t>>> buckets;
+        for (size_t i = 0; i < g.old.rows.size(); ++i) {
+            RowChange c;
+            keyOf(m, *g.old.rows[i], i + 1, c);
+            if (pairOf[i] < 0) buckets[c.label].first.push_back(i);
         }
-    }
+        for (size_t j = 0; j < g.now.rows.size(); ++j) {
+            RowChange c;
+            keyOf(m, *g.now.rows[j], j + 1, c);
+            if (!paired[j]) buckets[c.label].second.push_back(j);
+        }
+        for (const auto& bucket : buckets) {
+            const std::vector<size_t>& olds = bucket.second.first;
+            const std::vector<size_t>& news = bucket.second.second;
+            std::vector<std::pair<size_t, std::pair<size_t, size_t>>> candidates;
+            for (size_t i : olds) {
+                sharedKey[i] = sharedKey[i] || olds.size() > 1;
+                for (size_t j : news)
+                    candidates.push_back({olds.size() == 1 && news.size() == 1 ? 0 : differences(i, j).size(), {i, j}});
+            }
+            std::sort(candidates.begin(), candidates.end());
+            for (const auto& c : candidates) {
+                const size_t i = c.second.first, j = c.second.second;
+                if (pairOf[i] >= 0 || paired[j]) continue;
+                pairOf[i] = static_cast<long>(j);
+                paired[j] = true;
+            }
+        }
+    };
+    pairBy(d.matching);
+    // A row taken out moves the "Index" of those behind it: they pair again
+    // by the rest of the key, and show the new index as a change.
+    Matching rest = d.matching;
+    rest.names.erase(std::remove(rest.names.begin(), rest.names.end(), "Index"), rest.names.end());
+    if (!rest.names.empty() && rest.names.size() < d.matching.names.size()) pairBy(rest);
     for (size_t i = 0; i < g.old.rows.size(); ++i) {
         RowChange c = labelOf(*g.old.rows[i], i + 1);
         if (pairOf[i] < 0) {
@@ -414,7 +433,7 @@ GroupDiff compareGroup(const Group& g, bool all)
         c.attributes = differences(i, static_cast<size_t>(pairOf[i]));
         if (c.attributes.empty()) continue;
         c.row = g.old.rows[i];
-        if (!d.matching.names.empty() && buckets[c.label].first.size() > 1) {
+        if (!d.matching.names.empty() && sharedKey[i]) {
             const std::string what = summary(d, *c.row);
             c.label += " (row " + std::to_string(i + 1) +
                        (what.empty() ? "" : ": " + what.substr(0, what.find(", "))) + ")";
@@ -472,6 +491,8 @@ std::string matchingText(const Matching& m)
     if (m.how == "position") return "rows matched by position";
     std::string out = m.how == "keys" ? "rows matched by key " : "rows matched by identity ";
     for (size_t i = 0; i < m.names.size(); ++i) out += (i ? ", " : "") + m.names[i];
+    if (m.names.size() > 1 && std::find(m.names.begin(), m.names.end(), "Index") != m.names.end())
+        out += " (then without Index)";
     return out;
 }
 
