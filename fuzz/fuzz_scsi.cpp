@@ -74,11 +74,14 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
         disk.answers.emplace_back(reinterpret_cast<const char*>(data + i), n);
         i += n;
     }
-    clearPreviousDisks();
-    char paths[][32] = {"/dev/rdsk/c0t0d0s3", "/dev/rdsk/c0t0d0p0", "/dev/rdsk/c10t0d0s15"};
-    for (char* path : paths) {
-        int index = 0, notCd = 1, ioError = 0;
-        delete reportPhysHardDisk(path, &index, &notCd, &ioError);
+    StorageScan scan(disk);
+    StorageFacts facts;
+    for (const char* path : {"/dev/rdsk/c0t0d0s3", "/dev/rdsk/c0t0d0p0", "/dev/rdsk/c10t0d0s15"}) {
+        StorageDevice device;
+        bool ioError = false;
+        if (scan.reportPhysHardDisk(path, device, ioError)) facts.devices.push_back(device);
     }
+    KorTable table(5, 1);
+    shapeStorageRows(facts, table);
     return 0;
 }

@@ -58,6 +58,17 @@ std::vector<Row> readTable(KorTable& table)
     return rows;
 }
 
+std::vector<NamedRow> readNamedRows(KorTable& table)
+{
+    std::vector<NamedRow> named;
+    for (const Row& row : readTable(table)) {
+        NamedRow values;
+        for (const KorValue& v : row) values[attribName(table, v.id)] = valueText(v);
+        named.push_back(values);
+    }
+    return named;
+}
+
 std::string valueText(const KorValue& v)
 {
     char buffer[64];

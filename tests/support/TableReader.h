@@ -1,6 +1,7 @@
 #pragma once
 // Reads a table back as a host would see it: every attribute in row order,
 // repeated and null ones included, through the library's own block decoder.
+#include <map>
 #include <string>
 #include <vector>
 
@@ -18,6 +19,12 @@ std::vector<Row> readTable(KorTable& table);
 
 // Strings in UTF-8, numbers in decimal, reals with %.9g, octets in hex.
 std::string valueText(const KorValue& value);
+
+// One row as "attribute name -> value text", names from the catalogue (an
+// id it does not name reads "attribute N"); a repeated id keeps its last value.
+using NamedRow = std::map<std::string, std::string>;
+// The table is walked from its start and left reset.
+std::vector<NamedRow> readNamedRows(KorTable& table);
 
 // The table as plain text: its group name, then "[n]" and one
 // "Name = value" line per attribute for each row. Machine files hold this.

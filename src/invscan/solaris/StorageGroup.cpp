@@ -39,35 +39,6 @@ const size_t kIostatLine = 512;  // the longest line the CD/DVD reader takes who
 // printing is not followed past this.
 const size_t kMaxIostatOutput = 16u << 20;
 
-// What one row says, whatever kind of device it is.
-struct StorageRow {
-    unsigned long type = 0;
-    std::string id, model, vendor, serial;
-    unsigned long cylinders = 0, sectors = 0, heads = 0, sizeMB = 0;
-    std::string device, isSan, wwnn, wwpn, sanAdapter;
-};
-
-KorTableRow* shapeStorageRow(int index, const StorageRow& r)
-{
-    auto* row = new KorTableRow;
-    row->addAttrib(new KorTableAttrib(STOR_INDEX, static_cast<unsigned long>(index)));
-    row->addAttrib(new KorTableAttrib(STOR_ID, r.id.c_str()));
-    row->addAttrib(new KorTableAttrib(STOR_TYPE, r.type));
-    row->addAttrib(new KorTableAttrib(STOR_MODEL, r.model.c_str()));
-    row->addAttrib(new KorTableAttrib(STOR_MANUFACTURER, r.vendor.c_str()));
-    row->addAttrib(new KorTableAttrib(STOR_SERIAL_NUMBER, r.serial.c_str()));
-    row->addAttrib(new KorTableAttrib(STOR_CYLINDERS, r.cylinders));
-    row->addAttrib(new KorTableAttrib(STOR_SECTORS, r.sectors));
-    row->addAttrib(new KorTableAttrib(STOR_HEADS, r.heads));
-    row->addAttrib(new KorTableAttrib(STOR_TOTAL_SIZE, r.sizeMB));
-    row->addAttrib(new KorTableAttrib(STOR_DEVICE, r.device.c_str()));
-    row->addAttrib(new KorTableAttrib(STOR_IS_SAN_DISK, r.isSan.c_str()));
-    row->addAttrib(new KorTableAttrib(STOR_WWNN, r.wwnn.c_str()));
-    row->addAttrib(new KorTableAttrib(STOR_WWPN, r.wwpn.c_str()));
-    row->addAttrib(new KorTableAttrib(STOR_SAN_ADAPTER, r.sanAdapter.c_str()));
-    return row;
-}
-
 std::string md5Text(const char* text)
 {
     char* digest = md5_checksum(text);
@@ -88,49 +59,9 @@ bool isShortForm(const char* name)
     return true;
 }
 
-// The keys of the disks reported in this scan, as the bar-joined text the
-// matching rule is defined on ("|key1|key2"), with a sorted copy of the keys
-// so that a SAN host's thousands of paths are not each a search of the
-// whole text. Without a bar inside any key, "|key" occurs in the text
-// exactly when a recorded key starts with `key`.
-class PreviousDisks {
-public:
-    void clear()
-    {
-        m_text.clear();
-        m_keys.clear();
-        m_barInKey = false;
-    }
-    bool contains(const std::string& key) const
-    {
-        if (m_barInKey || key.find('|') != std::string::npos) return m_text.find("|" + key) != std::string::npos;
-        auto it = m_keys.lower_bound(key);
-        return it != m_keys.end() && it->compare(0, key.size(), key) == 0;
-    }
-    void add(const std::string& key)
-    {
-        m_text += "|" + key;
-        m_keys.insert(key);
-        m_barInKey = m_barInKey || key.find('|') != std::string::npos;
-    }
+std::string diskKey(const std::string& md5id, const std::string& serial) { return serial.empty() ? md5id : serial; }
 
-private:
-    std::string m_text;
-    std::set<std::string> m_keys;
-    bool m_barInKey = false;
-};
-
-PreviousDisks g_previousDisks;
-
-std::string diskKey(const char* md5id, const char* serial)
-{
-    return serial && *serial ? serial : md5id ? md5id : "";
-}
-
-bool bothEmpty(const char* md5id, const char* serial)
-{
-    return (!md5id || !*md5id) && (!serial || !*serial);
-}
+bool bothEmpty(const std::string& md5id, const std::string& serial) { return md5id.empty() && serial.empty(); }
 
 // The next line as fgets with a buffer of `size` would give it, without its
 // line end; false at the end of the text.
@@ -185,9 +116,8 @@ std::string readAll(FILE* stream)
 }
 
 // "iostat -En" on the full path, else on the PATH; false when neither runs.
-bool runIostat(std::string& output)
+bool runIostat(sys::System& os, std::string& output)
 {
-    sys::System& os = sys::current();
     runlog::Timed timed("iostat -En");
     FILE* stream = os.popen("/usr/bin/iostat -En", "r");
     if (!stream) stream = os.popen("iostat -En", "r");
@@ -195,104 +125,6 @@ bool runIostat(std::string& output)
     output = readAll(stream);
     timed.setStatus(runlog::exitStatus(os.pclose(stream)));
     return true;
-}
-
-// Runs `command` and reports the fixed row when it prints a line.
-void reportByListing(KorTable& table, int& index, const std::string& command, const char* what,
-                     KorTableRow* (*report)(int*))
-{
-    const char* fn = "getTable()";
-    sys::System& os = sys::current();
-    runlog::Timed timed(command);
-    FILE* stream = os.popen(command.c_str(), "r");
-    if (!stream) {
-        ST_TRACE(traceMID, fn, "hardware %s", (std::string("unable to execute popen for ") + what).c_str());
-        return;
-    }
-    char line[512];
-    errno = 0;
-    if (!std::fgets(line, sizeof line, stream)) {
-        ST_TRACE(traceMAX, fn, "hardware %s %d", (std::string("no ") + what).c_str(), errno);
-    } else {
-        ST_TRACE(traceMAX, fn, "hardware %s", (std::string(what) + " present").c_str());
-        if (KorTableRow* row = report(&index)) {
-            ST_TRACE(traceMAX, fn, "hardware %s", (std::string(what) + " kor table").c_str());
-            table.addRow(row);
-        }
-    }
-    timed.setStatus(runlog::exitStatus(os.pclose(stream)));
-}
-
-// A "Disk" node of the diskscan tree, with its place among them.
-struct NumberedDisk {
-    int number;
-    const VtNode* node;
-};
-
-// The tree's disks by "Id", each list in tree order. Built once for the
-// tree (the probe runs once per process): a SAN host has a thousand disks
-// and asks for each of them.
-const std::vector<NumberedDisk>& disksWithId(const VtNode* table, const std::string& id)
-{
-    static const VtNode* indexed = nullptr;
-    static std::unordered_map<std::string, std::vector<NumberedDisk>> byId;
-    static const std::vector<NumberedDisk> none;
-    if (indexed != table) {
-        byId.clear();
-        forEachChild(table, "Disk", [](int number, const VtNode* disk) { byId[textOf(disk, "Id")].push_back({number, disk}); });
-        indexed = table;
-    }
-    auto it = byId.find(id);
-    return it == byId.end() ? none : it->second;
-}
-
-// Looks the disk up in the diskscan probe's tree: 1 when found, with its SAN
-// facts; 0 (facts untouched) otherwise. Later matches overwrite earlier ones.
-int getMoreScsiInfo(std::string deviceName, std::string& isSan, std::string& wwnn, std::string& wwpn,
-                    std::string& sanAdapter)
-{
-    const char* fn = "getMoreScsiInfo()";
-    ST_TRACE(traceMAX, fn, "hardware i_name=%s", deviceName.c_str());
-    const VtNode* root = diskScanInfo(kSource, fn);
-    if (!root) return 0;
-    const VtNode* table = root->getChild("DiskTable", 0);
-    if (!table) {
-        ST_TRACE(traceMIN, fn, "%s", "ERROR! Failed to get disk table");
-        return 0;
-    }
-    // Traced in full, every disk is looked at; otherwise only the matches.
-    std::vector<NumberedDisk> everyDisk;
-    if (trace::enabled(trace::Level::Max))
-        forEachChild(table, "Disk", [&everyDisk](int number, const VtNode* disk) { everyDisk.push_back({number, disk}); });
-    const std::vector<NumberedDisk>& candidates = everyDisk.empty() ? disksWithId(table, deviceName) : everyDisk;
-    int result = 0;
-    for (const NumberedDisk& candidate : candidates) {
-        const VtNode* disk = candidate.node;
-        const char* id = disk->getValue(nullptr, "Id", "");
-        const int san = disk->getValue(nullptr, "isSAN", 0);
-        const char* diskWwnn = disk->getValue(nullptr, "WWNN", "");
-        const char* diskWwpn = disk->getValue(nullptr, "WWPN", "");
-        ST_TRACE(traceMAX, fn, "Checking disk #%d: id=%s", candidate.number, id);
-        if (deviceName != id) {
-            ST_TRACE(traceMAX, fn, "%s", "Devices don't match, skipping.");
-            continue;
-        }
-        ST_TRACE(traceMAX, fn, "disk #%d issan=%d wwnn=%s wwpn=%s", candidate.number, san, diskWwnn, diskWwpn);
-        const VtNode* hba = disk->getChild("HBA", 0);
-        if (!hba && san == 1) ST_TRACE(traceMIN, fn, "%s", "ERROR! Failed to find hba node for SAN disk");
-        if (hba) {
-            const char* hbaId = hba->getValue(nullptr, "Id", "");
-            ST_TRACE(traceMAX, fn, "hba found: id=%s wwnn=%s wwpn=%s", hbaId, hba->getValue(nullptr, "WWNN", ""),
-                     hba->getValue(nullptr, "WWPN", ""));
-            sanAdapter = hbaId;
-        }
-        isSan = san == 1 ? "Y" : "N";
-        wwnn = diskWwnn;
-        wwpn = diskWwpn;
-        result = 1;
-    }
-    ST_TRACE(traceMAX, fn, "result=%d", result);
-    return result;
 }
 
 // The slice a raw path names ("...s3" -> 3), or -1 when it names none, as
@@ -324,17 +156,68 @@ void freeInfo(SCSIinfo& info)
     for (char* s : {info.devName, info.vendor, info.product, info.serial, info.revision}) std::free(s);
 }
 
-// The fixed row of a floppy or PCMCIA device.
-KorTableRow* reportFixed(int* index, unsigned long type, const char* fn)
+// The disk's identity when it has no serial: its controller's description.
+std::string controllerDescription(const dk_cinfo& c)
 {
-    ST_TRACE(traceMidEntry, fn, "hardware %s %d", "index=", *index);
+    char text[1024];
+    std::snprintf(text, sizeof text, "%.*s|%d|%d|%d|%d|%d|%d|%d|%.*s|%d|%d", DK_DEVLEN, c.dki_cname, c.dki_ctype,
+                  c.dki_flags, c.dki_cnum, static_cast<int>(c.dki_addr), static_cast<int>(c.dki_space),
+                  static_cast<int>(c.dki_prio), static_cast<int>(c.dki_vec), DK_DEVLEN, c.dki_dname,
+                  static_cast<int>(c.dki_unit), static_cast<int>(c.dki_slave));
+    return text;
+}
+
+// The row's "ID" of a disk: the digest of its geometry and size.
+std::string geometryId(const DiskFacts& d)
+{
+    char text[1024] = {};
+    std::snprintf(text, sizeof text, "%d%d%d%ld", static_cast<int>(d.cylinders), static_cast<int>(d.heads),
+                  static_cast<int>(d.sectors), static_cast<long>(d.sizeMB));
+    return md5Text(text);
+}
+
+// The "ID" every CD/DVD, floppy and PCMCIA row shares: rows stay apart by their index.
+std::string zerosId()
+{
     char zeros[64];
     std::snprintf(zeros, sizeof zeros, "%lu%lu%lu%lu", 0UL, 0UL, 0UL, 0UL);
-    StorageRow r;
-    r.type = type;
-    r.id = md5Text(zeros);
-    ++*index;
-    return shapeStorageRow(*index, r);
+    return md5Text(zeros);
+}
+
+KorTableRow* shapeRow(const StorageDevice& d)
+{
+    static const DiskFacts kNoDisk;
+    const DiskFacts& disk = d.kind == StorageDevice::DISK ? d.disk : kNoDisk;
+    unsigned long type = disk.type;
+    std::string model = disk.model, vendor = disk.vendor, serial = disk.serial;
+    switch (d.kind) {
+    case StorageDevice::DISK: break;
+    case StorageDevice::CD:
+        type = STORAGE_TYPE_CDROM;
+        model = d.cd.product;
+        vendor = d.cd.vendor;
+        serial = d.cd.serial;
+        break;
+    case StorageDevice::FLOPPY: type = STORAGE_TYPE_FLOPPY; break;
+    case StorageDevice::PCMCIA: type = STORAGE_TYPE_MEMORY_CARD; break;
+    }
+    auto* row = new KorTableRow;
+    row->addAttrib(new KorTableAttrib(STOR_INDEX, static_cast<unsigned long>(d.index)));
+    row->addAttrib(new KorTableAttrib(STOR_ID, (d.kind == StorageDevice::DISK ? geometryId(disk) : zerosId()).c_str()));
+    row->addAttrib(new KorTableAttrib(STOR_TYPE, type));
+    row->addAttrib(new KorTableAttrib(STOR_MODEL, model.c_str()));
+    row->addAttrib(new KorTableAttrib(STOR_MANUFACTURER, vendor.c_str()));
+    row->addAttrib(new KorTableAttrib(STOR_SERIAL_NUMBER, serial.c_str()));
+    row->addAttrib(new KorTableAttrib(STOR_CYLINDERS, disk.cylinders));
+    row->addAttrib(new KorTableAttrib(STOR_SECTORS, disk.sectors));
+    row->addAttrib(new KorTableAttrib(STOR_HEADS, disk.heads));
+    row->addAttrib(new KorTableAttrib(STOR_TOTAL_SIZE, disk.sizeMB));
+    row->addAttrib(new KorTableAttrib(STOR_DEVICE, disk.device.c_str()));
+    row->addAttrib(new KorTableAttrib(STOR_IS_SAN_DISK, disk.san.isSan.c_str()));
+    row->addAttrib(new KorTableAttrib(STOR_WWNN, disk.san.wwnn.c_str()));
+    row->addAttrib(new KorTableAttrib(STOR_WWPN, disk.san.wwpn.c_str()));
+    row->addAttrib(new KorTableAttrib(STOR_SAN_ADAPTER, disk.san.adapter.c_str()));
+    return row;
 }
 
 }  // namespace
@@ -372,20 +255,53 @@ int isUltrium_tape_LT4772_running()
     return 0;
 }
 
-int foundPreviousDisks(char* md5id, char* serial)
+
+bool StorageFacts::hasDiskOrDrive() const
+{
+    for (const StorageDevice& d : devices)
+        if (d.kind == StorageDevice::DISK || d.kind == StorageDevice::CD) return true;
+    return false;
+}
+
+// Without a bar inside any key, "|key" occurs in the text exactly when a
+// recorded key starts with `key`: the sorted keys answer that without a
+// search of the whole text (a SAN host has thousands of paths).
+bool StorageScan::PreviousDisks::contains(const std::string& key) const
+{
+    if (m_barInKey || key.find('|') != std::string::npos) return m_text.find("|" + key) != std::string::npos;
+    auto it = m_keys.lower_bound(key);
+    return it != m_keys.end() && it->compare(0, key.size(), key) == 0;
+}
+
+void StorageScan::PreviousDisks::add(const std::string& key)
+{
+    m_text += "|" + key;
+    m_keys.insert(key);
+    m_barInKey = m_barInKey || key.find('|') != std::string::npos;
+}
+
+// What the disk controls answer for one device.
+struct StorageScan::DiskDescription {
+    dk_cinfo controller{};
+    dk_geom geometry{};
+    vtoc label{};
+};
+
+StorageScan::StorageScan(sys::System& os) : m_os(os) {}
+
+int StorageScan::foundPreviousDisks(const std::string& md5id, const std::string& serial) const
 {
     if (bothEmpty(md5id, serial)) return 0;
     const std::string key = diskKey(md5id, serial);
-    const int found = g_previousDisks.contains(key) ? 1 : 0;
+    const int found = m_previous.contains(key) ? 1 : 0;
     ST_TRACE(traceMAX, "foundPreviousDisks()", "hardware %s %s %s %i", "Was >", key.c_str(), "< found?", found);
     return found;
 }
 
-int addPreviousDisks(char* md5id, char* serial)
+int StorageScan::addPreviousDisks(const std::string& md5id, const std::string& serial)
 {
     const char* fn = "addPreviousDisks()";
-    ST_TRACE(traceMidEntry, fn, "hardware %s %s %s %s", "MD5ID=", md5id ? md5id : "", "serial=",
-             serial ? serial : "");
+    ST_TRACE(traceMidEntry, fn, "hardware %s %s %s %s", "MD5ID=", md5id.c_str(), "serial=", serial.c_str());
     if (bothEmpty(md5id, serial)) {
         ST_TRACE(traceMidExit, fn, "hardware %s", "Return 0");
         return 0;
@@ -396,29 +312,193 @@ int addPreviousDisks(char* md5id, char* serial)
         ST_TRACE(traceMidExit, fn, "hardware %s", "Return 0");
         return 0;
     }
-    g_previousDisks.add(key);
+    m_previous.add(key);
     ST_TRACE(traceMAX, fn, "hardware %s %s", "Adding disk >", key.c_str());
     ST_TRACE(traceMidExit, fn, "hardware %s", "Return 1");
     return 1;
 }
 
-void clearPreviousDisks() { g_previousDisks.clear(); }
+// The tree's disks by "Id", each list in tree order, built once for the
+// scan: a SAN host has a thousand disks and asks for each of them.
+const std::vector<StorageScan::NumberedDisk>& StorageScan::disksWithId(const VtNode* table, const std::string& id)
+{
+    static const std::vector<NumberedDisk> none;
+    if (m_indexedTable != table) {
+        m_disksById.clear();
+        forEachChild(table, "Disk",
+                     [this](int number, const VtNode* disk) { m_disksById[textOf(disk, "Id")].push_back({number, disk}); });
+        m_indexedTable = table;
+    }
+    auto it = m_disksById.find(id);
+    return it == m_disksById.end() ? none : it->second;
+}
 
-KorTableRow* reportFloppy(int* index) { return reportFixed(index, STORAGE_TYPE_FLOPPY, "reportFloppy()"); }
+// Looks the disk up in the diskscan probe's tree: 1 when found, with its SAN
+// facts; 0 (facts untouched) otherwise. Later matches overwrite earlier ones.
+int StorageScan::getMoreScsiInfo(const std::string& deviceName, SanFacts& san)
+{
+    const char* fn = "getMoreScsiInfo()";
+    ST_TRACE(traceMAX, fn, "hardware i_name=%s", deviceName.c_str());
+    const VtNode* root = diskScanInfo(kSource, fn);
+    if (!root) return 0;
+    const VtNode* table = root->getChild("DiskTable", 0);
+    if (!table) {
+        ST_TRACE(traceMIN, fn, "%s", "ERROR! Failed to get disk table");
+        return 0;
+    }
+    // Traced in full, every disk is looked at; otherwise only the matches.
+    std::vector<NumberedDisk> everyDisk;
+    if (trace::enabled(trace::Level::Max))
+        forEachChild(table, "Disk", [&everyDisk](int number, const VtNode* disk) { everyDisk.push_back({number, disk}); });
+    const std::vector<NumberedDisk>& candidates = everyDisk.empty() ? disksWithId(table, deviceName) : everyDisk;
+    int result = 0;
+    for (const NumberedDisk& candidate : candidates) {
+        const VtNode* disk = candidate.node;
+        const char* id = disk->getValue(nullptr, "Id", "");
+        const int isSan = disk->getValue(nullptr, "isSAN", 0);
+        const char* wwnn = disk->getValue(nullptr, "WWNN", "");
+        const char* wwpn = disk->getValue(nullptr, "WWPN", "");
+        ST_TRACE(traceMAX, fn, "Checking disk #%d: id=%s", candidate.number, id);
+        if (deviceName != id) {
+            ST_TRACE(traceMAX, fn, "%s", "Devices don't match, skipping.");
+            continue;
+        }
+        ST_TRACE(traceMAX, fn, "disk #%d issan=%d wwnn=%s wwpn=%s", candidate.number, isSan, wwnn, wwpn);
+        const VtNode* hba = disk->getChild("HBA", 0);
+        if (!hba && isSan == 1) ST_TRACE(traceMIN, fn, "%s", "ERROR! Failed to find hba node for SAN disk");
+        if (hba) {
+            const char* hbaId = hba->getValue(nullptr, "Id", "");
+            ST_TRACE(traceMAX, fn, "hba found: id=%s wwnn=%s wwpn=%s", hbaId, hba->getValue(nullptr, "WWNN", ""),
+                     hba->getValue(nullptr, "WWPN", ""));
+            san.adapter = hbaId;
+        }
+        san.isSan = isSan == 1 ? "Y" : "N";
+        san.wwnn = wwnn;
+        san.wwpn = wwpn;
+        result = 1;
+    }
+    ST_TRACE(traceMAX, fn, "result=%d", result);
+    return result;
+}
 
-KorTableRow* reportPCMCIA(int* index) { return reportFixed(index, STORAGE_TYPE_MEMORY_CARD, "reportPCMCIA()"); }
+// Opens the device and asks its controller, geometry and label; false
+// (traced, closed) when any of them fails.
+bool StorageScan::askDisk(const std::string& path, DiskDescription& d, bool& ioError)
+{
+    const char* fn = "reportPhysHardDisk()";
+    const int fd = m_os.open(path.c_str(), O_RDONLY);
+    if (fd < 0) {
+        const int code = errno;
+        const char* error = std::strerror(code);
+        ST_TRACE(traceMIN, fn, "hardware %s %s", "strerr=", error);
+        ST_TRACE(traceMID, fn, "hardware %s %s %s %s", "open of device", path.c_str(), "failed :", error);
+        // Solaris words EIO "I/O error"; other C libraries word it otherwise.
+        if (code == EIO || std::strstr(error, "I/O error")) ioError = true;
+        return false;
+    }
+    if (m_os.ioctl(fd, DKIOCINFO, &d.controller) < 0) {
+        ST_TRACE(traceMIN, fn, "hardware %s %s %s %s", "ioctl DKIOCINFO of device", path.c_str(), "failed :",
+                 std::strerror(errno));
+        m_os.close(fd);
+        return false;
+    }
+    if (m_os.ioctl(fd, DKIOCGGEOM, &d.geometry) < 0 || m_os.ioctl(fd, DKIOCGVTOC, &d.label) < 0) {
+        ST_TRACE(traceMID, fn, "hardware %s %s %s %s", "ioctl DKIOCGGEOM/DKIOCGVTOC of device", path.c_str(),
+                 "failed :", std::strerror(errno));
+        m_os.close(fd);
+        return false;
+    }
+    m_os.close(fd);
+    ST_TRACE(traceMAX, fn, "hardware %s", "dkiocggeom & dkiocgvtoc successful.");
+    return true;
+}
 
-KorTableRow* reportCDROMs(char* name, int* index, const std::string& iostatOutput)
+// The disk's type from its controller, the rest from the SCSI layer where
+// it answered, else from the label and geometry.
+void StorageScan::takeScsiFacts(const std::string& path, const DiskDescription& d, DiskFacts& facts)
+{
+    const dk_cinfo& c = d.controller;
+    facts.type = c.dki_ctype == DKC_DIRECT || c.dki_ctype == DKC_SCSI_CCS ? STORAGE_TYPE_HARD_DISK : STORAGE_TYPE_UNKNOWN;
+    SCSIinfo scsi{};
+    std::string device = path;
+    SCSIscan(&device[0], &scsi);  // judged by the fields it filled
+    if (scsi.product && *scsi.product) {
+        facts.model = scsi.product;
+    } else {
+        const char* label = d.label.v_asciilabel;
+        const std::string text(label, sys::boundedLength(label, sizeof d.label.v_asciilabel));
+        facts.model = text.substr(0, text.find(' '));
+    }
+    facts.sizeMB = scsi.sizeMB > 0 ? scsi.sizeMB : labelSizeMB(d.geometry, d.label);
+    facts.cylinders = scsi.cylinders > 0 ? scsi.cylinders : d.geometry.dkg_ncyl;
+    facts.heads = scsi.heads > 0 ? scsi.heads : d.geometry.dkg_nhead;
+    facts.sectors = scsi.sectors > 0 ? scsi.sectors : d.geometry.dkg_nsect;
+    facts.vendor = scsi.vendor ? scsi.vendor : "";
+    facts.serial = scsi.serial ? scsi.serial : "";
+    freeInfo(scsi);
+}
+
+// A slice other than the whole-disk one is part of a disk, not a disk. A
+// path without a slice number (c0t0d0p0) is a whole disk.
+bool StorageScan::isWholeDisk(const std::string& path, const DiskDescription& d) const
+{
+    const char* fn = "reportPhysHardDisk()";
+    const int slice = sliceOf(path.c_str());
+    if (slice < 0 || slice >= d.label.v_nparts || slice >= V_NUMPAR) return true;
+    ST_TRACE(traceMAX, fn, "hardware Slice number %d out of %d", slice, static_cast<int>(d.label.v_nparts));
+    const int tag = d.label.v_part[slice].p_tag;
+    ST_TRACE(traceMAX, fn, "hardware This partition tag=%d", tag);
+    if (tag == V_BACKUP) return true;
+    ST_TRACE(traceMAX, fn, "hardware %s", "It's not full disk but partition, return NULL");
+    return false;
+}
+
+bool StorageScan::reportPhysHardDisk(const std::string& charDevPath, StorageDevice& out, bool& ioError)
+{
+    const char* fn = "reportPhysHardDisk()";
+    ST_TRACE(traceMidEntry, fn, "hardware %s %s %s %d", "char_dev_path=", charDevPath.c_str(), "index=", m_index);
+    DiskDescription d;
+    if (!askDisk(charDevPath, d, ioError)) {
+        ST_TRACE(traceMidExit, fn, "hardware %s", "Return NULL");
+        return false;
+    }
+    DiskFacts facts;
+    takeScsiFacts(charDevPath, d, facts);
+    const std::string description = controllerDescription(d.controller);
+    ST_TRACE(traceMAX, fn, "hardware %s %s %s %s", "Current DiskInfo=", description.c_str(), "Disk_Serial=",
+             facts.serial.c_str());
+    if (!isWholeDisk(charDevPath, d)) return false;
+
+    const std::string md5id = md5Text(description.c_str());
+    ST_TRACE(traceMAX, fn, "hardware %s %s %s %s", "Device=", charDevPath.c_str(), "Disk_Id=", md5id.c_str());
+    if (!addPreviousDisks(md5id, facts.serial)) {
+        ST_TRACE(traceMidExit, fn, "hardware %s", "Return NULL");
+        return false;
+    }
+    facts.device = charDevPath;
+    getMoreScsiInfo(charDevPath, facts.san);
+    out = StorageDevice();
+    out.kind = StorageDevice::DISK;
+    out.index = ++m_index;
+    out.disk = facts;
+    ST_TRACE(traceMidExit, fn, "hardware %s %d", "Return row, index=", m_index);
+    return true;
+}
+
+bool StorageScan::reportCDROMs(const std::string& name, const std::string& iostatOutput, StorageDevice& out)
 {
     const char* fn = "reportCDROMs()";
-    ST_TRACE(traceMidEntry, fn, "hardware %s %s %s %d", "reportCDROMs for", name ? name : "", "index=", *index);
-    if (!name || !isShortForm(name)) {
+    ST_TRACE(traceMidEntry, fn, "hardware %s %s %s %d", "reportCDROMs for", name.c_str(), "index=", m_index);
+    if (!isShortForm(name.c_str())) {
         ST_TRACE(traceMidExit, fn, "hardware %s", "... path not properly formatted. Return NULL");
-        return nullptr;
+        return false;
     }
-    const std::string device(name, 6);
-    std::string vendor, product, serial, line;
+    const std::string device(name, 0, 6);
+    CdFacts cd;
+    std::string line;
     size_t pos = 0;
+    // 0: looking for the device's line; 1: the line after it names the
+    // drive; 2: the next one says whether a medium is in; 3: done.
     int state = 0;
     while (state < 3 && nextLine(iostatOutput, pos, kIostatLine, line)) {
         if (state == 0) {
@@ -426,13 +506,12 @@ KorTableRow* reportCDROMs(char* name, int* index, const std::string& iostatOutpu
             continue;
         }
         if (state == 1) {
-            vendor = textAfter(line, "Vendor: ", " ");
-            product = textAfter(line, "Product: ", "Revision: ");
-            serial = textAfter(line, "Serial No: ", nullptr);
-            const size_t end = std::find_if(serial.begin(), serial.end(),
-                                            [](char c) { return static_cast<unsigned char>(c) <= ' '; }) -
-                               serial.begin();
-            serial.resize(end);
+            cd.vendor = textAfter(line, "Vendor: ", " ");
+            cd.product = textAfter(line, "Product: ", "Revision: ");
+            cd.serial = textAfter(line, "Serial No: ", nullptr);
+            cd.serial.resize(std::find_if(cd.serial.begin(), cd.serial.end(),
+                                          [](char c) { return static_cast<unsigned char>(c) <= ' '; }) -
+                             cd.serial.begin());
             // The line after this one says whether a medium is in, whatever
             // this one holds (a size here is not the drive's verdict).
             state = 2;
@@ -442,125 +521,118 @@ KorTableRow* reportCDROMs(char* name, int* index, const std::string& iostatOutpu
             ST_TRACE(traceMAX, fn, "hardware %s", "- done -");
         } else {
             ST_TRACE(traceMAX, fn, "hardware %s", "- not zero or -1, not expected... -");
-            vendor.clear();
-            product.clear();
-            serial.clear();
+            cd = CdFacts();
         }
         state = 3;
     }
-    if (vendor.empty() && product.empty()) {
+    if (cd.vendor.empty() && cd.product.empty()) {
         ST_TRACE(traceMidExit, fn, "hardware %s", "Return NULL");
-        return nullptr;
+        return false;
     }
-    StorageRow r;
-    r.type = STORAGE_TYPE_CDROM;
-    r.id = md5Text("0000");
-    r.model = product;
-    r.vendor = vendor;
-    r.serial = serial;
-    ++*index;
-    ST_TRACE(traceMidExit, fn, "hardware %s %s %s %s", "CD/DVD vendor=", vendor.c_str(), "product=", product.c_str());
-    return shapeStorageRow(*index, r);
+    out = StorageDevice();
+    out.kind = StorageDevice::CD;
+    out.index = ++m_index;
+    out.cd = cd;
+    ST_TRACE(traceMidExit, fn, "hardware %s %s %s %s", "CD/DVD vendor=", cd.vendor.c_str(), "product=",
+             cd.product.c_str());
+    return true;
 }
 
-KorTableRow* reportPhysHardDisk(char* charDevPath, int* index, int* notCdFlag, int* ioError)
+StorageDevice StorageScan::reportFixed(StorageDevice::Kind kind, const char* fn)
 {
-    const char* fn = "reportPhysHardDisk()";
-    ST_TRACE(traceMidEntry, fn, "hardware %s %s %s %d", "char_dev_path=", charDevPath ? charDevPath : "", "index=",
-             *index);
-    *notCdFlag = 0;
-    if (!charDevPath) {
-        ST_TRACE(traceMidExit, fn, "hardware %s", "char_dev_path equal to NULL");
-        return nullptr;
-    }
-    sys::System& os = sys::current();
-    const int fd = os.open(charDevPath, O_RDONLY);
-    if (fd < 0) {
-        const int code = errno;
-        const char* error = std::strerror(code);
-        ST_TRACE(traceMIN, fn, "hardware %s %s", "strerr=", error);
-        ST_TRACE(traceMID, fn, "hardware %s %s %s %s", "open of device", charDevPath, "failed :", error);
-        // Solaris words EIO "I/O error"; other C libraries word it otherwise.
-        if (code == EIO || std::strstr(error, "I/O error")) *ioError = 1;
-        ST_TRACE(traceMidExit, fn, "hardware %s", "Return NULL");
-        return nullptr;
-    }
-    dk_cinfo controller{};
-    dk_geom geometry{};
-    vtoc label{};
-    if (os.ioctl(fd, DKIOCINFO, &controller) < 0) {
-        ST_TRACE(traceMIN, fn, "hardware %s %s %s %s", "ioctl DKIOCINFO of device", charDevPath, "failed :",
-                 std::strerror(errno));
-        os.close(fd);
-        ST_TRACE(traceMidExit, fn, "hardware %s", "Return NULL");
-        return nullptr;
-    }
-    if (os.ioctl(fd, DKIOCGGEOM, &geometry) < 0 || os.ioctl(fd, DKIOCGVTOC, &label) < 0) {
-        ST_TRACE(traceMID, fn, "hardware %s %s %s %s", "ioctl DKIOCGGEOM/DKIOCGVTOC of device", charDevPath,
-                 "failed :", std::strerror(errno));
-        os.close(fd);
-        ST_TRACE(traceMidExit, fn, "hardware %s", "Return NULL");
-        return nullptr;
-    }
-    os.close(fd);
-    ST_TRACE(traceMAX, fn, "hardware %s", "dkiocggeom & dkiocgvtoc successful.");
+    ST_TRACE(traceMidEntry, fn, "hardware %s %d", "index=", m_index);
+    StorageDevice d;
+    d.kind = kind;
+    d.index = ++m_index;
+    return d;
+}
 
-    StorageRow r;
-    r.type = controller.dki_ctype == DKC_DIRECT || controller.dki_ctype == DKC_SCSI_CCS ? STORAGE_TYPE_HARD_DISK
-                                                                                        : STORAGE_TYPE_UNKNOWN;
-    SCSIinfo scsi{};
-    SCSIscan(charDevPath, &scsi);  // judged by the fields it filled
-    if (scsi.product && *scsi.product) {
-        r.model = scsi.product;
-    } else {
-        const std::string text(label.v_asciilabel, sys::boundedLength(label.v_asciilabel, sizeof label.v_asciilabel));
-        r.model = text.substr(0, text.find(' '));
+StorageDevice StorageScan::reportFloppy() { return reportFixed(StorageDevice::FLOPPY, "reportFloppy()"); }
+
+StorageDevice StorageScan::reportPCMCIA() { return reportFixed(StorageDevice::PCMCIA, "reportPCMCIA()"); }
+
+// Every entry of the raw-disk directory, as a disk or else (when iostat ran)
+// as a CD/DVD drive. The slices of one disk come next to each other:
+// remembering the last disk's digits is enough to skip its other slices.
+void StorageScan::walkRawDisks(const std::string* iostat, StorageFacts& facts)
+{
+    const char* fn = "getTable()";
+    sys::Dir* dir = m_os.opendir(kRawDiskDir);
+    if (!dir) {
+        ST_TRACE(traceMID, fn, "hardware %s %s", "Can't open dierctory", kRawDiskDir);
+        return;
     }
-    r.sizeMB = scsi.sizeMB > 0 ? scsi.sizeMB : labelSizeMB(geometry, label);
-    r.cylinders = scsi.cylinders > 0 ? scsi.cylinders : geometry.dkg_ncyl;
-    r.heads = scsi.heads > 0 ? scsi.heads : geometry.dkg_nhead;
-    r.sectors = scsi.sectors > 0 ? scsi.sectors : geometry.dkg_nsect;
-    r.vendor = scsi.vendor ? scsi.vendor : "";
-    r.serial = scsi.serial ? scsi.serial : "";
-    freeInfo(scsi);
-
-    // The disk's identity when it has no serial: its controller's description.
-    char description[1024];
-    std::snprintf(description, sizeof description, "%.*s|%d|%d|%d|%d|%d|%d|%d|%.*s|%d|%d", DK_DEVLEN,
-                  controller.dki_cname, controller.dki_ctype, controller.dki_flags, controller.dki_cnum,
-                  static_cast<int>(controller.dki_addr), static_cast<int>(controller.dki_space),
-                  static_cast<int>(controller.dki_prio), static_cast<int>(controller.dki_vec), DK_DEVLEN,
-                  controller.dki_dname, static_cast<int>(controller.dki_unit), static_cast<int>(controller.dki_slave));
-    ST_TRACE(traceMAX, fn, "hardware %s %s %s %s", "Current DiskInfo=", description, "Disk_Serial=", r.serial.c_str());
-
-    // A slice other than the whole-disk one is part of a disk, not a disk.
-    const int slice = sliceOf(charDevPath);
-    if (slice >= 0 && slice < label.v_nparts && slice < V_NUMPAR) {
-        ST_TRACE(traceMAX, fn, "hardware Slice number %d out of %d", slice, static_cast<int>(label.v_nparts));
-        const int tag = label.v_part[slice].p_tag;
-        ST_TRACE(traceMAX, fn, "hardware This partition tag=%d", tag);
-        if (tag != V_BACKUP) {
-            ST_TRACE(traceMAX, fn, "hardware %s", "It's not full disk but partition, return NULL");
-            return nullptr;
+    int last[3] = {-1, -1, -1};
+    while (const char* entry = m_os.readdir(dir)) {
+        if (std::strcmp(entry, ".") == 0 || std::strcmp(entry, "..") == 0) continue;
+        const std::string name = entry;
+        const bool shortForm = isShortForm(name.c_str());
+        if (shortForm && name[1] == last[0] && name[3] == last[1] && name[5] == last[2]) {
+            ST_TRACE(traceMAX, fn, "hardware %s %s", "... skipping", name.c_str());
+            continue;
         }
+        StorageDevice device;
+        bool ioError = false;
+        bool found = reportPhysHardDisk(std::string(kRawDiskDir) + "/" + name, device, ioError);
+        ST_TRACE(traceMAX, fn, "hardware %s %d", "error from reportPhysHardDisk=", ioError ? 1 : 0);
+        if (!found && iostat && !ioError) found = reportCDROMs(name, *iostat, device);
+        if (found) facts.devices.push_back(device);
+        if (shortForm) last[0] = name[1], last[1] = name[3], last[2] = name[5];
     }
+    m_os.closedir(dir);
+}
 
-    std::string md5id = md5Text(description);
-    ST_TRACE(traceMAX, fn, "hardware %s %s %s %s", "Device=", charDevPath, "Disk_Id=", md5id.c_str());
-    if (!addPreviousDisks(&md5id[0], &r.serial[0])) {
-        ST_TRACE(traceMidExit, fn, "hardware %s", "Return NULL");
-        return nullptr;
+// Runs `command` and reports the fixed device when it prints a line.
+void StorageScan::reportByListing(const std::string& command, const char* what, StorageDevice (StorageScan::*report)(),
+                                  StorageFacts& facts)
+{
+    const char* fn = "getTable()";
+    runlog::Timed timed(command);
+    FILE* stream = m_os.popen(command.c_str(), "r");
+    if (!stream) {
+        ST_TRACE(traceMID, fn, "hardware %s", (std::string("unable to execute popen for ") + what).c_str());
+        return;
     }
+    char line[512];
+    errno = 0;
+    if (!std::fgets(line, sizeof line, stream)) {
+        ST_TRACE(traceMAX, fn, "hardware %s %d", (std::string("no ") + what).c_str(), errno);
+    } else {
+        ST_TRACE(traceMAX, fn, "hardware %s", (std::string(what) + " present").c_str());
+        facts.devices.push_back((this->*report)());
+        ST_TRACE(traceMAX, fn, "hardware %s", (std::string(what) + " kor table").c_str());
+    }
+    timed.setStatus(runlog::exitStatus(m_os.pclose(stream)));
+}
 
-    char geometryText[1024] = {};
-    std::snprintf(geometryText, sizeof geometryText, "%d%d%d%ld", static_cast<int>(r.cylinders),
-                  static_cast<int>(r.heads), static_cast<int>(r.sectors), static_cast<long>(r.sizeMB));
-    r.id = md5Text(geometryText);
-    r.device = charDevPath;
-    getMoreScsiInfo(charDevPath, r.isSan, r.wwnn, r.wwpn, r.sanAdapter);
-    ++*index;
-    ST_TRACE(traceMidExit, fn, "hardware %s %d", "Return row, index=", *index);
-    return shapeStorageRow(*index, r);
+StorageFacts StorageScan::gather()
+{
+    const char* fn = "getTable()";
+    StorageFacts facts;
+    if (std::getenv("CHECK_ULTRIUM_TAPE_RUNNING") && isUltrium_tape_LT4772_running()) {
+        facts.backupRunning = true;
+        return facts;
+    }
+    char* banner = ComponentIDGroup::getBanner();
+    const std::string product = banner ? banner : "";
+    std::free(banner);
+    ST_TRACE(traceMAX, fn, "hardware %s %s", "product=", product.c_str());
+    // Fujitsu Siemens machines are not asked for their CD/DVD drives.
+    std::string iostat;
+    bool haveIostat = false;
+    if (product.find("Fujitsu Siemens") == std::string::npos) {
+        haveIostat = runIostat(m_os, iostat);
+        if (!haveIostat) ST_TRACE(traceMID, fn, "hardware %s", "iostat failed - no CD-ROMs will be reported");
+    }
+    walkRawDisks(haveIostat ? &iostat : nullptr, facts);
+    reportByListing(std::string("ls -la ") + kDevDir + " | grep disk", "floppy", &StorageScan::reportFloppy, facts);
+    reportByListing(std::string("ls -la ") + kDevDir + "| grep pcmcia", "pcmcia", &StorageScan::reportPCMCIA, facts);
+    return facts;
+}
+
+void shapeStorageRows(const StorageFacts& facts, KorTable& table)
+{
+    for (const StorageDevice& d : facts.devices) table.addRow(shapeRow(d));
 }
 
 StorageGroup::StorageGroup() : KorGroup(STORAGE_GROUP, 1) {}
@@ -570,63 +642,15 @@ KorTable* StorageGroup::getTable()
     return api::guardedTable("StorageGroup::getTable()", [&]() -> KorTable* {
         const char* fn = "getTable()";
         ST_TRACE(traceMidEntry, fn, "hardware %s", "StorageGroup");
-        clearPreviousDisks();
-        auto* table = new KorTable(getGroupId(), getGroupVersion());
-        if (std::getenv("CHECK_ULTRIUM_TAPE_RUNNING") && isUltrium_tape_LT4772_running()) {
+        const StorageFacts facts = StorageScan(sys::current()).gather();
+        if (facts.backupRunning) {
             ST_TRACE(traceMidExit, fn, "hardware %s", "StorageGroup: a backup is running, nothing asked");
-            return table;
+            return new KorTable(getGroupId(), getGroupVersion());
         }
-
-        char* banner = ComponentIDGroup::getBanner();
-        const std::string product = banner ? banner : "";
-        std::free(banner);
-        ST_TRACE(traceMAX, fn, "hardware %s %s", "product=", product.c_str());
-        // Fujitsu Siemens machines are not asked for their CD/DVD drives.
-        std::string iostat;
-        bool haveIostat = false;
-        if (product.find("Fujitsu Siemens") == std::string::npos) {
-            haveIostat = runIostat(iostat);
-            if (!haveIostat) ST_TRACE(traceMID, fn, "hardware %s", "iostat failed - no CD-ROMs will be reported");
-        }
-
-        sys::System& os = sys::current();
-        int index = 0, counted = 0;
-        if (sys::Dir* dir = os.opendir(kRawDiskDir)) {
-            // The slices of one disk come next to each other: remembering the
-            // last disk's digits is enough to skip its other slices.
-            int last[3] = {-1, -1, -1};
-            while (const char* entry = os.readdir(dir)) {
-                if (std::strcmp(entry, ".") == 0 || std::strcmp(entry, "..") == 0) continue;
-                std::string name = entry;
-                const bool shortForm = isShortForm(name.c_str());
-                if (shortForm && name[1] == last[0] && name[3] == last[1] && name[5] == last[2]) {
-                    ST_TRACE(traceMAX, fn, "hardware %s %s", "... skipping", name.c_str());
-                    continue;
-                }
-                std::string path = std::string(kRawDiskDir) + "/" + name;
-                int notCd = 1, ioError = 0;
-                KorTableRow* row = reportPhysHardDisk(&path[0], &index, &notCd, &ioError);
-                ST_TRACE(traceMAX, fn, "hardware %s %d", "error from reportPhysHardDisk=", ioError);
-                if (notCd == 0 && haveIostat && !row && ioError == 0) row = reportCDROMs(&name[0], &index, iostat);
-                if (row) {
-                    table->addRow(row);
-                    ++counted;
-                }
-                if (shortForm) last[0] = name[1], last[1] = name[3], last[2] = name[5];
-            }
-            os.closedir(dir);
-        } else {
-            ST_TRACE(traceMID, fn, "hardware %s %s", "Can't open dierctory", kRawDiskDir);
-        }
-
-        reportByListing(*table, index, std::string("ls -la ") + kDevDir + " | grep disk", "floppy", reportFloppy);
-        reportByListing(*table, index, std::string("ls -la ") + kDevDir + "| grep pcmcia", "pcmcia", reportPCMCIA);
-
         ST_TRACE(traceMidExit, fn, "hardware %s", "StorageGroup");
-        if (counted == 0) {
-            delete table;
-            return nullptr;
-        }
+        if (!facts.hasDiskOrDrive()) return nullptr;
+        auto* table = new KorTable(getGroupId(), getGroupVersion());
+        shapeStorageRows(facts, *table);
         return table;
     });
 }

@@ -131,16 +131,17 @@ TEST(LinuxDisks, CommandsAnsweredAsSolarisWouldAndReadByTheStorageReaders)
     EXPECT_NE(iostat.find("Size: 1000.20GB <1000204886016 bytes>\n"), std::string::npos) << iostat;
 
     // The DVD drive is a CD/DVD row; the disks are not.
-    int index = 0;
-    char drive[] = "c1t0d0s2", disk[] = "sda";
-    std::unique_ptr<KorTableRow> row(reportCDROMs(drive, &index, iostat));
-    ASSERT_TRUE(row);
+    StorageScan scan(sys::current());
+    StorageFacts facts;
+    facts.devices.resize(1);
+    ASSERT_TRUE(scan.reportCDROMs("c1t0d0s2", iostat, facts.devices[0]));
     KorTable table(5, 1);
-    table.addRow(row.release());
-    const Row r = readTable(table).at(0);
-    EXPECT_EQ(valueText(r[3]), "DVD+-RW GHB0N");
-    EXPECT_EQ(valueText(r[4]), "HL-DT-ST");
-    EXPECT_EQ(reportCDROMs(disk, &index, iostat), nullptr);
+    shapeStorageRows(facts, table);
+    NamedRow r = readNamedRows(table).at(0);
+    EXPECT_EQ(r["Model"], "DVD+-RW GHB0N");
+    EXPECT_EQ(r["Manufacturer"], "HL-DT-ST");
+    StorageDevice disk;
+    EXPECT_FALSE(scan.reportCDROMs("sda", iostat, disk));
 }
 
 // Every disk this machine's kernel lists with a device behind it is one

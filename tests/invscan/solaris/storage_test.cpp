@@ -7,6 +7,7 @@
 #include <sstream>
 
 #include "invscan/com/CatalogueIds.h"
+#include "common/sys/System.h"
 #include "invscan/com/KorTable.h"
 #include "invscan/solaris/StorageGroup.h"
 #include "support/Fixtures.h"
@@ -17,28 +18,40 @@ namespace {
 
 using namespace testsupport;
 
+// The rows of the devices, read back by attribute name.
+std::vector<NamedRow> rowsOf(const std::vector<StorageDevice>& devices)
+{
+    StorageFacts facts;
+    facts.devices = devices;
+    KorTable table(STORAGE_GROUP, 1);
+    shapeStorageRows(facts, table);
+    return readNamedRows(table);
+}
+
 // The CD/DVD rows the reader makes of a capture, offering it every device
 // the capture names: "device vendor|model|serial" a row.
 std::string cdRowsOf(const std::string& output)
 {
     std::istringstream lines(output);
     std::string line, out;
-    int index = 0;
-    KorTable table(STORAGE_GROUP, 1);
+    StorageScan scan(sys::current());
+    std::vector<StorageDevice> drives;
     std::vector<std::string> names;
     while (std::getline(lines, line)) {
         if (line.find("Soft Errors:") == std::string::npos) continue;
-        std::string name = line.substr(0, line.find(' ')) + "s2";
-        if (KorTableRow* row = reportCDROMs(&name[0], &index, output)) {
-            table.addRow(row);
+        const std::string name = line.substr(0, line.find(' ')) + "s2";
+        StorageDevice drive;
+        if (scan.reportCDROMs(name, output, drive)) {
+            drives.push_back(drive);
             names.push_back(name);
         }
     }
-    const std::vector<Row> rows = readTable(table);
+    const std::vector<NamedRow> rows = rowsOf(drives);
     for (size_t i = 0; i < rows.size(); ++i) {
-        EXPECT_EQ(valueText(rows[i][0]), std::to_string(i + 1));
-        EXPECT_EQ(valueText(rows[i][2]), "17");
-        out += names[i] + " " + valueText(rows[i][4]) + "|" + valueText(rows[i][3]) + "|" + valueText(rows[i][5]) + "\n";
+        NamedRow r = rows[i];
+        EXPECT_EQ(r["Index"], std::to_string(i + 1));
+        EXPECT_EQ(r["Type"], std::to_string(STORAGE_TYPE_CDROM));
+        out += names[i] + " " + r["Manufacturer"] + "|" + r["Model"] + "|" + r["Serial Number"] + "\n";
     }
     return out;
 }
@@ -81,26 +94,20 @@ TEST(Storage, TheIostatReaderTakesOnlyItsOwnDevice)
         "c0t0d4          Soft Errors: 0 Hard Errors: 0 Transport Errors: 0\n"
         "Vendor: Intel(R) Product: RMM2 VDrive 1 Revision: 0.01 Serial No:  Size: 0.00GB <0 bytes>\n"
         "Media Error: 0 Device Not Ready: 0 No Device: 0 Recoverable: 0\n";
-    int index = 4;
-    char drive[] = "c0t0d1s0", late[] = "c0t0d2s0", absent[] = "c0t0d3s0", longName[] = "c0t0d1",
-         sizeOnVendorLine[] = "c0t0d4s0";
-    std::unique_ptr<KorTableRow> row(reportCDROMs(drive, &index, output));
-    ASSERT_TRUE(row);
-    EXPECT_EQ(index, 5);
-    KorTable table(STORAGE_GROUP, 1);
-    table.addRow(row.release());
-    const Row r = readTable(table).at(0);
-    EXPECT_EQ(valueText(r[0]), "5");
-    EXPECT_EQ(valueText(r[3]), "DVDR   PX-810SA");  // up to "Revision: ", inner blanks kept
-    EXPECT_EQ(valueText(r[4]), "PLEXTOR");
-    EXPECT_EQ(valueText(r[5]), "7A1B2C3D");
-    // The line after the vendor line must carry the size, even when the
-    // vendor line has one of its own.
-    EXPECT_EQ(reportCDROMs(late, &index, output), nullptr);
-    EXPECT_EQ(reportCDROMs(sizeOnVendorLine, &index, output), nullptr);
-    EXPECT_EQ(reportCDROMs(absent, &index, output), nullptr);
-    EXPECT_EQ(reportCDROMs(longName, &index, output), nullptr);  // too short to be a slice name
-    EXPECT_EQ(index, 5);
+    StorageScan scan(sys::current());
+    StorageDevice drive;
+    // Only the last name is a drive; the others leave the index alone.
+    for (const char* name : {"c0t0d2s0", "c0t0d4s0", "c0t0d3s0", "c0t0d1", "c0t0d1s0"}) {
+        // The line after the vendor line must carry the size, even when the
+        // vendor line has one of its own; a name too short for a slice is none.
+        EXPECT_EQ(scan.reportCDROMs(name, output, drive), std::string(name) == "c0t0d1s0") << name;
+    }
+    NamedRow r = rowsOf({drive}).at(0);
+    EXPECT_EQ(r["Index"], "1");
+    EXPECT_EQ(r["Model"], "DVDR   PX-810SA");  // up to "Revision: ", inner blanks kept
+    EXPECT_EQ(r["Manufacturer"], "PLEXTOR");
+    EXPECT_EQ(r["Serial Number"], "7A1B2C3D");
+    EXPECT_EQ(r["Device"], "");  // only disks name their path
 }
 
 TEST(Storage, ExactMatchAndThePreviousDisks)
@@ -121,21 +128,21 @@ TEST(Storage, ExactMatchAndThePreviousDisks)
         EXPECT_EQ(getExactMatch(&line[0], &name[0]), c.expected) << c.line;
     }
 
-    clearPreviousDisks();
-    char none[] = "", md5a[] = "0123abcd", md5b[] = "0123", serial[] = "AB123456", shorter[] = "AB1234",
-         longer[] = "AB1234567", bar[] = "X|Y", y[] = "Y";
-    EXPECT_EQ(addPreviousDisks(none, none), 0);
-    EXPECT_EQ(addPreviousDisks(md5a, serial), 1);
-    EXPECT_EQ(addPreviousDisks(md5b, serial), 0);    // the serial is the key
-    EXPECT_EQ(foundPreviousDisks(none, shorter), 1);  // a prefix counts as found
-    EXPECT_EQ(foundPreviousDisks(none, longer), 0);
-    EXPECT_EQ(foundPreviousDisks(md5a, none), 0);     // keyed by serial, not by digest
-    EXPECT_EQ(addPreviousDisks(md5a, none), 1);
-    EXPECT_EQ(foundPreviousDisks(md5b, none), 1);
-    EXPECT_EQ(addPreviousDisks(none, bar), 1);        // a bar inside a key: the text itself is searched
-    EXPECT_EQ(foundPreviousDisks(none, y), 1);
-    clearPreviousDisks();
-    EXPECT_EQ(foundPreviousDisks(none, serial), 0);
+    StorageScan scan(sys::current()), next(sys::current());
+    const std::string none, md5a = "0123abcd", md5b = "0123", serial = "AB123456";
+    EXPECT_EQ(scan.addPreviousDisks(none, none), 0);
+    EXPECT_EQ(scan.addPreviousDisks(md5a, serial), 1);
+    EXPECT_EQ(scan.addPreviousDisks(md5b, serial), 0);     // the serial is the key
+    EXPECT_EQ(scan.foundPreviousDisks(none, "AB1234"), 1);  // a prefix counts as found
+    EXPECT_EQ(scan.foundPreviousDisks(none, "AB1234567"), 0);
+    EXPECT_EQ(scan.foundPreviousDisks(md5a, none), 0);  // keyed by serial, not by digest
+    EXPECT_EQ(scan.addPreviousDisks(md5a, none), 1);
+    EXPECT_EQ(scan.foundPreviousDisks(md5b, none), 1);
+    EXPECT_EQ(scan.addPreviousDisks(none, "X|Y"), 1);  // a bar inside a key: the text itself is searched
+    EXPECT_EQ(scan.foundPreviousDisks(none, "Y"), 1);
+    // Each scan starts with none reported.
+    EXPECT_EQ(next.foundPreviousDisks(none, serial), 0);
+    EXPECT_EQ(next.addPreviousDisks(md5a, serial), 1);
 }
 
 }  // namespace
