@@ -212,10 +212,14 @@ std::vector<Link> parsePhysicalLinks(const std::vector<std::string>& lines)
 
 void readFactoryAddresses(const std::vector<std::string>& lines, std::vector<Link>& links)
 {
+    // By name, the first link of each: one look-up a line, not a search.
+    std::map<std::string, Link*> byName;
+    for (Link& l : links) byName.emplace(l.name, &l);
     for (const std::string& line : lines) {
         const std::vector<std::string> f = parseableFields(line);
         if (f.size() < 3 || f[1] != "primary") continue;
-        if (Link* l = findLink(links, f[0])) l->factoryMac = macText(f[2]);
+        const auto it = byName.find(f[0]);
+        if (it != byName.end()) it->second->factoryMac = macText(f[2]);
     }
 }
 
@@ -416,13 +420,15 @@ std::vector<Link> gatherLinks(const std::string& release, const std::vector<Inte
         if (run("dladm", {String("show-link"), String("-p"), String("-o"), String("link,class,over")}, lines))
             readAggregations(lines, links);
     }
-    // The address in use is the plumbed interface's "ether" line.
-    for (Link& l : links)
-        for (const Interface& i : interfaces)
-            if (i.physical() == l.name && !i.mac.empty()) {
-                l.currentMac = i.mac;
-                break;
-            }
+    // The address in use is the plumbed interface's "ether" line (the first
+    // of its name), found by name rather than searched for each link.
+    std::map<std::string, const std::string*> plumbedMac;
+    for (const Interface& i : interfaces)
+        if (!i.mac.empty()) plumbedMac.emplace(i.physical(), &i.mac);
+    for (Link& l : links) {
+        const auto it = plumbedMac.find(l.name);
+        if (it != plumbedMac.end()) l.currentMac = *it->second;
+    }
     for (Link& l : links) {
         if (!l.aggregation) continue;
         // An aggregation's factory address is its first member's, as dladm picks it by default.

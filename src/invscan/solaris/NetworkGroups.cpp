@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <exception>
 #include <memory>
+#include <map>
 #include <set>
 
 #include "common/sys/System.h"
@@ -61,17 +62,50 @@ bool shown(const Interface& i, bool ipv6)
                 : i.address != "0.0.0.0" && i.address.compare(0, 4, "127.") != 0;
 }
 
-// The interface's IPv6 address for the IPv4 row: a global one before a link-local one.
-std::string ipv6Beside(const NetworkFacts& facts, const Interface& v4)
-{
-    std::string linkLocal;
-    for (const Interface& i : facts.interfaces) {
-        if (!shown(i, true) || i.physical() != v4.physical()) continue;
-        if (ipv6Scope(i.address) != "Link-Local") return i.address;
-        if (linkLocal.empty()) linkLocal = i.address;
+// What an address row asks of the other interfaces and the links, by
+// physical interface, gathered in one pass: asking each row's question of
+// every interface made a table quadratic in its addresses (4,000 took 5 s).
+struct ByPhysical {
+    std::map<std::string, const Link*> link;  // the first link of the name
+    std::map<std::string, std::string> mac;   // the first "ether" line of its interfaces
+    // its IPv6 address for an IPv4 row: the first global one, else the first link-local one
+    std::map<std::string, std::string> ipv6Global, ipv6LinkLocal;
+
+    explicit ByPhysical(const NetworkFacts& facts)
+    {
+        for (const Link& l : facts.links) link.emplace(l.name, &l);
+        for (const Interface& i : facts.interfaces) {
+            const std::string physical = i.physical();
+            if (!i.mac.empty()) mac.emplace(physical, i.mac);
+            if (shown(i, true))
+                (ipv6Scope(i.address) != "Link-Local" ? ipv6Global : ipv6LinkLocal).emplace(physical, i.address);
+        }
     }
-    return linkLocal;
-}
+
+    static std::string find(const std::map<std::string, std::string>& in, const std::string& key)
+    {
+        const auto it = in.find(key);
+        return it == in.end() ? std::string() : it->second;
+    }
+
+    std::string ipv6Beside(const Interface& v4) const
+    {
+        const std::string physical = v4.physical();
+        const std::string global = find(ipv6Global, physical);
+        return global.empty() ? find(ipv6LinkLocal, physical) : global;
+    }
+
+    // NetworkFacts::permanentMac without its searches: the link's factory
+    // address, else the one in use, else an interface's of that name.
+    std::string permanentMac(const Interface& i) const
+    {
+        const std::string physical = i.physical();
+        const auto it = link.find(physical);
+        if (it != link.end() && !it->second->factoryMac.empty()) return it->second->factoryMac;
+        if (it != link.end() && !it->second->currentMac.empty()) return it->second->currentMac;
+        return find(mac, physical);
+    }
+};
 
 std::string ipv6Subnet(const Interface& i)
 {
@@ -162,6 +196,7 @@ void shapeIpv4Rows(const NetworkFacts& facts, KorTable& table)
 {
     unsigned int index = 0;
     std::set<std::string> seen;  // the address is the table's key
+    const ByPhysical others(facts);
     for (const Interface& i : facts.interfaces) {
         if (!shown(i, false) || !seen.insert(i.address).second) continue;
         auto* row = new KorTableRow;
@@ -174,8 +209,8 @@ void shapeIpv4Rows(const NetworkFacts& facts, KorTable& table)
         addText(*row, IP_GATEWAY, facts.gatewayOf(i), 40);
         addText(*row, IP_PRIMARY_DNS, nameserver(facts, 0), 40);
         addText(*row, IP_SECONDARY_DNS, nameserver(facts, 1), 40);
-        addText(*row, IP_PERMANENT_MAC, facts.permanentMac(i), 64);
-        addText(*row, IP_IPV6_ADDRESS, ipv6Beside(facts, i), 64);
+        addText(*row, IP_PERMANENT_MAC, others.permanentMac(i), 64);
+        addText(*row, IP_IPV6_ADDRESS, others.ipv6Beside(i), 64);
         table.addRow(row);
     }
 }
@@ -184,6 +219,7 @@ void shapeIpv6Rows(const NetworkFacts& facts, KorTable& table)
 {
     unsigned int index = 0;
     std::set<std::string> seen;
+    const ByPhysical others(facts);
     for (const Interface& i : facts.interfaces) {
         if (!shown(i, true) || !seen.insert(i.address).second) continue;
         auto* row = new KorTableRow;
@@ -195,7 +231,7 @@ void shapeIpv6Rows(const NetworkFacts& facts, KorTable& table)
         addText(*row, IPV6_GATEWAY, facts.gatewayOf(i), 40);
         addText(*row, IPV6_PRIMARY_DNS, nameserver(facts, 0), 40);
         addText(*row, IPV6_SECONDARY_DNS, nameserver(facts, 1), 40);
-        addText(*row, IPV6_PERMANENT_MAC, facts.permanentMac(i), 64);
+        addText(*row, IPV6_PERMANENT_MAC, others.permanentMac(i), 64);
         addText(*row, IPV6_SCOPE, ipv6Scope(i.address), 24);
         addText(*row, IPV6_ADAPTER_NAME, i.name, 128);
         table.addRow(row);
