@@ -18,17 +18,14 @@ const char* const kSource = "./../../../src/invscan/solaris/scsiscan";
 #define SCSI_ENTRY(fn, ...) CcLogWrapper::traceMidEntry(getCcLogHw(), __LINE__, kSource, fn, __VA_ARGS__)
 #define SCSI_EXIT(fn, ...) CcLogWrapper::traceMidExit(getCcLogHw(), __LINE__, kSource, fn, __VA_ARGS__)
 
-const size_t kDataSize = 8192;
 const size_t kPageArea = 24;
 
-unsigned char g_data[kDataSize];
-uscsi_cmd g_block;
-unsigned char g_inquiry[6] = {0x12, 0, 0, 0, 0x30, 0};
-unsigned char g_capacity[10] = {0x25, 0, 0, 0, 0, 0, 0, 0, 0, 0};
-unsigned char g_format[6] = {0x1A, 0, 0x03, 0, 0xFF, 0};
-unsigned char g_geometry[6] = {0x1A, 0, 0x04, 0, 0xFF, 0};
-unsigned char g_formatPage[kPageArea];
-unsigned char g_geometryPage[kPageArea];
+// The command blocks, copied by each query into its own request: nothing a
+// command writes outlives the query that sent it.
+const unsigned char kInquiry[6] = {0x12, 0, 0, 0, 0x30, 0};
+const unsigned char kCapacity[10] = {0x25, 0, 0, 0, 0, 0, 0, 0, 0, 0};
+const unsigned char kFormat[6] = {0x1A, 0, 0x03, 0, 0xFF, 0};
+const unsigned char kGeometry[6] = {0x1A, 0, 0x04, 0, 0xFF, 0};
 
 uint32_t be32(const unsigned char* p)
 {
@@ -39,10 +36,18 @@ unsigned be16(const unsigned char* p) { return (static_cast<unsigned>(p[0]) << 8
 
 bool startsWell(unsigned char c) { return c != ' ' && std::isalnum(c); }
 
-// Sends `cdb` to the record's device; the data, or null.
-unsigned char* send(SCSIinfo* info, unsigned char* cdb, uint32_t length)
+// One command and the area its answer is read into, owned by the query.
+struct Exchange {
+    unsigned char cdb[10];
+    unsigned char buffer[SCSI_DATA_SIZE];
+};
+
+// Sends the command `cdb` to the record's device; the data (in `x`), or null.
+template <size_t N>
+unsigned char* send(SCSIinfo* info, const unsigned char (&cdb)[N], Exchange& x)
 {
-    ScsiCmd_t cmd{cdb, length, info->devName, info->fd, nullptr};
+    std::memcpy(x.cdb, cdb, N);
+    ScsiCmd_t cmd{x.cdb, static_cast<uint32_t>(N), info->devName, info->fd, nullptr, x.buffer};
     return ScsiCmd(&cmd) == 0 ? cmd.data : nullptr;
 }
 
@@ -83,21 +88,22 @@ int ScsiCmd(ScsiCmd_t* cmd)
 {
     const char* fn = "ScsiCmd()";
     SCSI_ENTRY(fn, "hardware %s", "");
-    if (!cmd || !cmd->cdb || (cmd->cdbLength & 0xFF) == 0 || cmd->fd < 0 || !cmd->devName) {
+    if (!cmd || !cmd->cdb || (cmd->cdbLength & 0xFF) == 0 || cmd->fd < 0 || !cmd->devName || !cmd->buffer) {
         SCSI_EXIT(fn, "hardware %s", "ScsiCmd: Bad parameters. Return -1");
         return -1;
     }
-    std::memset(g_data, 0, sizeof g_data);
-    std::memset(&g_block, 0, sizeof g_block);
-    g_block.uscsi_flags = USCSI_READ | USCSI_ISOLATE | USCSI_SILENT;
-    g_block.uscsi_cdb = reinterpret_cast<caddr_t>(cmd->cdb);
-    g_block.uscsi_cdblen = static_cast<uchar_t>(cmd->cdbLength & 0xFF);
-    g_block.uscsi_bufaddr = reinterpret_cast<caddr_t>(g_data);
-    g_block.uscsi_buflen = sizeof g_data;
+    std::memset(cmd->buffer, 0, SCSI_DATA_SIZE);
+    uscsi_cmd block;
+    std::memset(&block, 0, sizeof block);
+    block.uscsi_flags = USCSI_READ | USCSI_ISOLATE | USCSI_SILENT;
+    block.uscsi_cdb = reinterpret_cast<caddr_t>(cmd->cdb);
+    block.uscsi_cdblen = static_cast<uchar_t>(cmd->cdbLength & 0xFF);
+    block.uscsi_bufaddr = reinterpret_cast<caddr_t>(cmd->buffer);
+    block.uscsi_buflen = SCSI_DATA_SIZE;
     errno = 0;
-    sys::current().ioctl(cmd->fd, USCSICMD, &g_block);  // judged by the status and errno, as the driver reports
-    if (g_block.uscsi_status == 0 && errno <= 0) {
-        cmd->data = g_data;
+    sys::current().ioctl(cmd->fd, USCSICMD, &block);  // judged by the status and errno, as the driver reports
+    if (block.uscsi_status == 0 && errno <= 0) {
+        cmd->data = cmd->buffer;
         SCSI_EXIT(fn, "hardware %s", "return 0");
         return 0;
     }
@@ -187,30 +193,36 @@ int ScsiGeometryDecode(void* page, SCSIinfo* info)
 
 int ScsiQueryInquiry(SCSIinfo* info)
 {
-    unsigned char* data = send(info, g_inquiry, sizeof g_inquiry);
+    Exchange x;
+    unsigned char* data = send(info, kInquiry, x);
     return data ? ScsiInquiryDecode(data, info) : -1;
 }
 
 int ScsiQueryCapacity(SCSIinfo* info)
 {
-    unsigned char* data = send(info, g_capacity, sizeof g_capacity);
+    Exchange x;
+    unsigned char* data = send(info, kCapacity, x);
     return data ? ScsiCapacityDecode(data, info) : -1;
 }
 
 int ScsiQueryFormat(SCSIinfo* info)
 {
-    unsigned char* data = send(info, g_format, sizeof g_format);
+    Exchange x;
+    unsigned char* data = send(info, kFormat, x);
     if (!data) return -1;
-    copyPage(data, g_formatPage);
-    return ScsiFormatDecode(g_formatPage, info);
+    unsigned char page[kPageArea];
+    copyPage(data, page);
+    return ScsiFormatDecode(page, info);
 }
 
 int ScsiQueryGeometry(SCSIinfo* info)
 {
-    unsigned char* data = send(info, g_geometry, sizeof g_geometry);
+    Exchange x;
+    unsigned char* data = send(info, kGeometry, x);
     if (!data) return -1;
-    copyPage(data, g_geometryPage);
-    return ScsiGeometryDecode(g_geometryPage, info);
+    unsigned char page[kPageArea];
+    copyPage(data, page);
+    return ScsiGeometryDecode(page, info);
 }
 
 int SCSIscan(char* devName, SCSIinfo* info)

@@ -1,9 +1,14 @@
 #pragma once
 // The SCSI query layer: INQUIRY, READ CAPACITY and the format and geometry
 // mode pages sent straight to a disk through the user SCSI pass-through
-// (USCSICMD), decoded into one flat record. Not re-entrant: the data buffer,
-// the control block and the page areas are process-wide.
+// (USCSICMD), decoded into one flat record. Each query owns the command,
+// the control block and the areas its answer lands in: nothing is shared
+// between calls.
+#include <cstddef>
 #include <cstdint>
+
+// The bytes a command may read back.
+const size_t SCSI_DATA_SIZE = 8192;
 
 struct SCSIinfo {
     char* devName;  // a heap copy of the path, the caller's
@@ -25,7 +30,8 @@ struct ScsiCmd_t {
     uint32_t cdbLength;  // 6 or 10; the low byte counts
     const char* devName;  // for the trace lines; must not be null
     int fd;
-    unsigned char* data;  // out: the shared 8192-byte buffer, valid until the next command
+    unsigned char* data;  // out: on success, the answer (that is, `buffer`)
+    unsigned char* buffer;  // in: the caller's SCSI_DATA_SIZE bytes the answer is read into
 };
 
 // -1 when the INQUIRY succeeded and 0 when it failed: inverted on purpose;

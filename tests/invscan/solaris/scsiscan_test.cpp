@@ -127,8 +127,10 @@ TEST(ScsiScan, BadPathsAndCleanStrings)
     char absent[] = "/dev/rdsk/c9t9d9s2";
     EXPECT_EQ(SCSIscan(absent, &info), -1);
     EXPECT_EQ(info.sizeMB, 77u);  // untouched
-    ScsiCmd_t bad{nullptr, 6, "x", 0, nullptr};
+    unsigned char inquiry[6] = {0x12, 0, 0, 0, 0x30, 0}, answer[SCSI_DATA_SIZE];
+    ScsiCmd_t bad{nullptr, 6, "x", 0, nullptr, answer}, noBuffer{inquiry, 6, "x", 0, nullptr, nullptr};
     EXPECT_EQ(ScsiCmd(&bad), -1);
+    EXPECT_EQ(ScsiCmd(&noBuffer), -1);
 
     struct Case {
         const char* text;
