@@ -549,7 +549,9 @@ bool readWhole(const std::string& path, size_t limit, std::string& text, std::st
 {
     bool cut = false;
     if (!sys::readRegularFile(path.c_str(), text, limit, &cut))
-        return (error = path + " cannot be read: " + std::strerror(errno)), false;
+        return (error = path + (errno == EINVAL ? std::string(" is not a regular file")
+                                                : " cannot be read: " + std::string(std::strerror(errno)))),
+               false;
     if (cut) return (error = path + " is larger than " + std::to_string(limit >> 20) + " MiB"), false;
     return true;
 }
