@@ -16,6 +16,7 @@
 #include <cstdlib>
 #include <ctime>
 #include <list>
+#include <map>
 #include <memory>
 #include <mutex>
 #include <sstream>
@@ -95,7 +96,8 @@ std::string raceOnMachine(const std::string& dir, std::string& figures)
     NimCfg::setKey(String("config_dir"), String(dir + "/config"));
 
     const int n = scansEach();
-    std::vector<std::vector<std::string>> results(kThreads);
+    // Each thread's distinct tables, with how often it got each.
+    std::vector<std::map<std::string, int>> results(kThreads);
     std::mutex gate;
     std::condition_variable opened;
     int waiting = 0;
@@ -109,7 +111,7 @@ std::string raceOnMachine(const std::string& dir, std::string& figures)
                 if (++waiting == kThreads) opened.notify_all();
                 opened.wait(hold, [&] { return waiting == kThreads; });
             }
-            for (int i = 0; i < n; ++i) results[static_cast<size_t>(t)].push_back(scanOnce());
+            for (int i = 0; i < n; ++i) ++results[static_cast<size_t>(t)][scanOnce()];
         });
     for (std::thread& thread : threads) thread.join();
     const std::time_t ended = std::time(nullptr);
@@ -119,10 +121,12 @@ std::string raceOnMachine(const std::string& dir, std::string& figures)
     std::string problems;
     int differing = 0;
     for (int t = 0; t < kThreads; ++t)
-        for (int i = 0; i < n; ++i)
-            if (results[static_cast<size_t>(t)][static_cast<size_t>(i)] != alone && differing++ == 0)
-                problems += "thread " + std::to_string(t) + " scan " + std::to_string(i + 1) + ": " +
-                            firstDifference(results[static_cast<size_t>(t)][static_cast<size_t>(i)], alone);
+        for (const auto& got : results[static_cast<size_t>(t)])
+            if (got.first != alone) {
+                if (differing == 0)
+                    problems += "thread " + std::to_string(t) + ": " + firstDifference(got.first, alone);
+                differing += got.second;
+            }
     if (differing) problems = std::to_string(differing) + " scans differ; the first: " + problems;
     // One thread's tables are the machine's: as many groups give none as its expected scan says.
     if (countOf(alone, "\nno table\n") != countOf(readFile(dir + "/expected.txt"), "\nno table\n"))
