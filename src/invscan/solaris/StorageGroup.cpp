@@ -105,6 +105,43 @@ bool showsNoMedium(const std::string& line)
            (line.find("<-1 bytes>") != std::string::npos || line.find("<0 bytes>") != std::string::npos);
 }
 
+// The drive's facts from "iostat -En" output: the line after the one naming
+// `device` names the drive, the next must show no medium (else the facts
+// are dropped). A pure reading of the text, traced under reportCDROMs.
+void readIostatDrive(const std::string& device, const std::string& iostatOutput, CdFacts& cd)
+{
+    std::string line;
+    size_t pos = 0;
+    // 0: looking for the device's line; 1: the line after it names the
+    // drive; 2: the next one says whether a medium is in; 3: done.
+    int state = 0;
+    while (state < 3 && nextLine(iostatOutput, pos, kIostatLine, line)) {
+        if (state == 0) {
+            if (namesDevice(line, device)) state = 1;
+            continue;
+        }
+        if (state == 1) {
+            cd.vendor = textAfter(line, "Vendor: ", " ");
+            cd.product = textAfter(line, "Product: ", "Revision: ");
+            cd.serial = textAfter(line, "Serial No: ", nullptr);
+            cd.serial.resize(std::find_if(cd.serial.begin(), cd.serial.end(),
+                                          [](char c) { return static_cast<unsigned char>(c) <= ' '; }) -
+                             cd.serial.begin());
+            // The line after this one says whether a medium is in, whatever
+            // this one holds (a size here is not the drive's verdict).
+            state = 2;
+            continue;
+        }
+        if (showsNoMedium(line)) {
+            ST_TRACE(traceMAX, "reportCDROMs()", "hardware %s", "- done -");
+        } else {
+            ST_TRACE(traceMAX, "reportCDROMs()", "hardware %s", "- not zero or -1, not expected... -");
+            cd = CdFacts();
+        }
+        state = 3;
+    }
+}
+
 // Reads a whole command stream into memory, up to the limit.
 std::string readAll(FILE* stream)
 {
@@ -493,38 +530,8 @@ bool StorageScan::reportCDROMs(const std::string& name, const std::string& iosta
         ST_TRACE(traceMidExit, fn, "hardware %s", "... path not properly formatted. Return NULL");
         return false;
     }
-    const std::string device(name, 0, 6);
     CdFacts cd;
-    std::string line;
-    size_t pos = 0;
-    // 0: looking for the device's line; 1: the line after it names the
-    // drive; 2: the next one says whether a medium is in; 3: done.
-    int state = 0;
-    while (state < 3 && nextLine(iostatOutput, pos, kIostatLine, line)) {
-        if (state == 0) {
-            if (namesDevice(line, device)) state = 1;
-            continue;
-        }
-        if (state == 1) {
-            cd.vendor = textAfter(line, "Vendor: ", " ");
-            cd.product = textAfter(line, "Product: ", "Revision: ");
-            cd.serial = textAfter(line, "Serial No: ", nullptr);
-            cd.serial.resize(std::find_if(cd.serial.begin(), cd.serial.end(),
-                                          [](char c) { return static_cast<unsigned char>(c) <= ' '; }) -
-                             cd.serial.begin());
-            // The line after this one says whether a medium is in, whatever
-            // this one holds (a size here is not the drive's verdict).
-            state = 2;
-            continue;
-        }
-        if (showsNoMedium(line)) {
-            ST_TRACE(traceMAX, fn, "hardware %s", "- done -");
-        } else {
-            ST_TRACE(traceMAX, fn, "hardware %s", "- not zero or -1, not expected... -");
-            cd = CdFacts();
-        }
-        state = 3;
-    }
+    readIostatDrive(name.substr(0, 6), iostatOutput, cd);
     if (cd.vendor.empty() && cd.product.empty()) {
         ST_TRACE(traceMidExit, fn, "hardware %s", "Return NULL");
         return false;
