@@ -1,16 +1,13 @@
 #pragma once
-// A simulated machine whose command outputs, files and sysinfo texts are
-// fuzzer bytes, for the targets that reach a reader through the group that
-// runs the command or reads the file, as a scan does.
-//
-// Input: a byte, then texts separated by NUL bytes. The byte's low seven
-// bits pick the answer the first text gives (modulo their count); the next
-// texts give the answers after it, in order, wrapping round. Its high bit is
-// the target's own choice (a release, a form). A seed is a selector byte and
-// one real capture: it answers the question it was captured from.
+// What the targets over the groups' readers share. Input: a byte that picks
+// the reader, then texts separated by NUL bytes (the reader's own text
+// first, then what it is read with). A seed is a selector byte and a real
+// capture. Where a reader is reached only through the group that runs the
+// command or reads the file, a simulated machine answers with the texts.
+#include <cerrno>
 #include <cstddef>
 #include <cstdint>
-#include <memory>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -19,52 +16,70 @@
 
 namespace fuzzed {
 
-struct Answer {
-    enum Kind { Run, File, Sysinfo } kind;
-    const char* key;  // the command's words joined by blanks, the path, or unused
-    int command = 0;  // the sysinfo command
+// The texts after the selector byte; at least `count`, empty when not given.
+inline std::vector<std::string> parts(const uint8_t* data, size_t size, size_t count)
+{
+    std::vector<std::string> out;
+    size_t start = 1;
+    for (size_t i = 1; i <= size; ++i) {
+        if (i < size && data[i] != 0) continue;
+        if (start <= size) out.emplace_back(reinterpret_cast<const char*>(data) + start, i - start);
+        start = i + 1;
+    }
+    if (out.size() < count) out.resize(count);
+    return out;
+}
+
+// The lines of a command's output, as the command runner gives them.
+inline std::vector<std::string> lines(const std::string& text)
+{
+    std::vector<std::string> out;
+    std::istringstream in(text);
+    for (std::string line; std::getline(in, line);) out.push_back(line);
+    return out;
+}
+
+// A simulated machine for the whole run: the fuzzed texts change each input,
+// and what the input names (a driver's module, a mount point, a device) is
+// answered without being noted, so that nothing grows from input to input.
+// Every file system has the same sizes; every other path is absent.
+class QuietSystem : public replay::SimulatedSystem {
+public:
+    int open(const char* path, int flags) override
+    {
+        if (path && (files.count(path) || devices.count(path))) return SimulatedSystem::open(path, flags);
+        errno = ENOENT;
+        return -1;
+    }
+    int statvfs64(const char*, struct statvfs64* buf) override
+    {
+        *buf = {};
+        buf->f_frsize = 8192;
+        buf->f_blocks = 2573694;
+        buf->f_bavail = 1378547;
+        return 0;
+    }
+
+    // Installed as the current system, with only these answers.
+    static QuietSystem& fresh()
+    {
+        static QuietSystem* os = new QuietSystem;
+        os->commands.clear();
+        os->files.clear();
+        os->sysinfoValues.clear();
+        sys::setCurrent(os);
+        return *os;
+    }
 };
 
-struct Machine {
-    std::unique_ptr<replay::SimulatedSystem> os = std::make_unique<replay::SimulatedSystem>();
-    bool highBit = false;
-    size_t first = 0;  // the answer the first text gave
-
-    Machine() = default;
-    Machine(Machine&&) = default;
-    // The commands' run log is taken as a host takes it after each scan:
-    // kept, it would grow for a thousand runs and look like a leak.
-    ~Machine()
+// After each input: the commands' run log is taken as a host takes it after
+// each scan (kept, it grows for a thousand runs and looks like a leak).
+struct AfterInput {
+    ~AfterInput()
     {
-        if (!os) return;
         sys::setCurrent(nullptr);
         (void)runlog::take();
     }
 };
-
-inline Machine answering(const uint8_t* data, size_t size, const std::vector<Answer>& answers)
-{
-    Machine m;
-    if (size == 0 || answers.empty()) return m;
-    m.highBit = (data[0] & 0x80) != 0;
-    m.first = (data[0] & 0x7F) % answers.size();
-    size_t which = m.first, start = 1, given = 0;
-    for (size_t i = 1; i <= size && given < answers.size(); ++i) {
-        if (i < size && data[i] != 0) continue;
-        const std::string text(reinterpret_cast<const char*>(data) + start, i - start);
-        const Answer& a = answers[which];
-        if (a.kind == Answer::Run)
-            m.os->commands[a.key].output = text;
-        else if (a.kind == Answer::File)
-            m.os->files[a.key] = text;
-        else
-            m.os->sysinfoValues[a.command] = text.substr(0, text.find('\n'));
-        which = (which + 1) % answers.size();
-        start = i + 1;
-        ++given;
-    }
-    sys::setCurrent(m.os.get());
-    return m;
-}
 
 }  // namespace fuzzed

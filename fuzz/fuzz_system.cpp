@@ -2,13 +2,12 @@
 // banner (/etc/release) with the kernel version, the settings files
 // (/etc/default/init, /etc/default/kbd), the install date (the core
 // package's pkginfo), "kbd -t -l" and the keyboard layouts file, and the
-// mount table (/etc/mnttab). Reached as a scan reaches them: the Operating
-// System facts are gathered and shaped, and the Keyboard and Partition
-// groups build their tables, on a simulated machine answering with the input.
+// mount table (/etc/mnttab); each row is shaped from what they read. The
+// layouts file and the file systems' sizes are read through a simulated
+// machine, as the groups read them.
 #include <clocale>
 #include <cstddef>
 #include <cstdint>
-#include <memory>
 
 #include "FuzzedAnswers.h"
 #include "invscan/com/CatalogueIds.h"
@@ -18,26 +17,7 @@
 #include "invscan/solaris/SystemFacts.h"
 #include "invscan/solaris/SystemGroups.h"
 
-namespace {
-
-using fuzzed::Answer;
-
-const std::vector<Answer>& answers()
-{
-    static const std::vector<Answer> list = {
-        {Answer::File, "/etc/release"},
-        {Answer::Sysinfo, "", SI_VERSION},
-        {Answer::File, "/etc/default/init"},
-        {Answer::File, "/var/sadm/pkg/SUNWcsr/pkginfo"},
-        {Answer::Run, "kbd -t -l"},
-        {Answer::File, "/etc/default/kbd"},
-        {Answer::File, "/usr/share/lib/keytables/type_6/kbd_layouts"},
-        {Answer::File, "/etc/mnttab"},
-    };
-    return list;
-}
-
-}  // namespace
+using fuzzed::lines;
 
 extern "C" int LLVMFuzzerInitialize(int*, char***)
 {
@@ -46,30 +26,58 @@ extern "C" int LLVMFuzzerInitialize(int*, char***)
     return 0;
 }
 
-// The high bit of the first byte: Solaris 10, else 11 (whose system locale
-// the service configuration keeps).
+// Selectors (the first byte modulo 5), and the texts each reads:
+//   0 /etc/release, the kernel version (sysinfo VERSION), the kernel release
+//   1 an /etc/default file (/etc/default/init's locale settings)
+//   2 a pkginfo file (INSTDATE)
+//   3 kbd -t -l, /etc/default/kbd, the keyboard layouts file
+//   4 /etc/mnttab
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
-    fuzzed::Machine m = fuzzed::answering(data, size, answers());
-    replay::SimulatedSystem& os = *m.os;
-    os.sysinfoValues[SI_SYSNAME] = "SunOS";
-    os.sysinfoValues[SI_RELEASE] = m.highBit ? "5.10" : "5.11";
-    os.commands["svcprop -p environment/LANG svc:/system/environment:init"].output = "en_US.UTF-8\n";
-    // Two file systems with sizes: the rest fail statvfs.
-    struct statvfs64 fs{};
-    fs.f_frsize = 8192;
-    fs.f_blocks = 2573694;
-    fs.f_bavail = 1378547;
-    os.fileSystems["/"] = fs;
-    os.fileSystems["/export/home"] = fs;
-
-    OperatingSystemFacts facts;
-    if (gatherOperatingSystemFacts(os, nullptr, facts)) {
+    if (size == 0) return 0;
+    const std::vector<std::string> text = fuzzed::parts(data, size, 3);
+    switch (data[0] % 5) {
+    case 0: {
+        OperatingSystemFacts facts;
+        facts.sysname = "SunOS";
+        facts.banner = releaseBannerLines(text[0]);
+        facts.version = text[1].substr(0, 256);
+        facts.release = text[2].substr(0, 256);
+        (void)osVersion(facts);
+        (void)osType(facts.sysname, facts.release);
         KorTable table(OPERATING_SYSTEM_GROUP, 1);
         shapeOperatingSystemRow(facts, table);
+        break;
     }
-    (void)parseInstallDate(os.files["/var/sadm/pkg/SUNWcsr/pkginfo"]);
-    std::unique_ptr<KorTable> keyboard(KeyboardGroup().getTable());
-    std::unique_ptr<KorTable> partitions(PartitionGroup().getTable());
+    case 1: {
+        const auto settings = systemfacts::parseSettings(text[0]);
+        for (const char* name : {"LC_ALL", "LANG", "LC_MESSAGES", "TZ"}) {
+            auto it = settings.find(name);
+            if (it != settings.end()) (void)systemfacts::languageOf(it->second);
+        }
+        break;
+    }
+    case 2: (void)parseInstallDate(text[0]); break;
+    case 3: {
+        fuzzed::AfterInput after;
+        fuzzed::QuietSystem& os = fuzzed::QuietSystem::fresh();
+        os.files["/usr/share/lib/keytables/type_6/kbd_layouts"] = text[2];
+        KeyboardFacts facts;
+        if (!parseKbdOutput(lines(text[0]), facts)) break;
+        applyKeyboardDefaults(systemfacts::parseSettings(text[1]), facts);
+        facts.layout = layoutName(os, facts.layout);
+        KorTable table(KEYBOARD_GROUP, 1);
+        shapeKeyboardRow(facts, table);
+        break;
+    }
+    default: {
+        fuzzed::AfterInput after;
+        fuzzed::QuietSystem& os = fuzzed::QuietSystem::fresh();
+        const std::vector<PartitionRow> rows = gatherPartitions(os, parseMountTable(text[0]));
+        KorTable table(PARTITION_GROUP, 1);
+        shapePartitionRows(rows, table);
+        break;
+    }
+    }
     return 0;
 }

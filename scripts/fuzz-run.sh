@@ -37,9 +37,9 @@ options() {
     # Each zoneadm line asks zonecfg about its zone: inputs of a kilobyte
     # reach every path, and longer ones only run the same loop more.
     fuzz_zone_lines) echo "-max_len=1024" ;;
-    # A device tree of 16 KiB has dozens of PCI nodes: the 100 KiB captures
+    # A device tree of 8 KiB has a dozen PCI nodes: the 100 KiB captures
     # are read cut there, and a longer input only runs the same loop more.
-    fuzz_pci) echo "-max_len=16384" ;;
+    fuzz_pci) echo "-max_len=8192" ;;
     *) echo "" ;;
   esac
 }
@@ -82,52 +82,52 @@ for path in sys.argv[2:]:
 EOF
 }
 
-# The targets that answer a simulated machine's questions with their input
-# (fuzz/FuzzedAnswers.h): each seed is a selector byte, naming the question,
-# then one answer: a capture of ../shared/fixtures (its provenance header
-# taken off), or what a simulated machine's machine.txt answers ("run ARGS"
-# or "file PATH" and its "> " lines; several joined by NUL bytes).
+# The targets over the groups' readers (fuzz/FuzzedAnswers.h): each seed is
+# a selector byte, naming the reader, then its texts joined by NUL bytes: a
+# capture of ../shared/fixtures (its provenance header taken off) at its
+# place, or what a simulated machine's machine.txt answers ("run ARGS" or
+# "file PATH" and its "> " lines).
 answer_seeds() {
   python3 - "$1" "$2" "$fixtures" <<'EOF'
 import glob, os, sys
 target, corpus, fx = sys.argv[1:4]
-S10 = 0x80  # the high bit: a Solaris 10 machine, or the target's other form
-# selector byte -> fixture globs, and selector byte -> machine.txt questions
+IFC, NETSTAT, RESOLV = "run ifconfig -a", "run netstat -rn", "file /etc/resolv.conf"
+PHYS, PHYSM, LINK = ("run dladm show-phys -p -o link,media,device", "run dladm show-phys -m -p -o link,slot,address",
+                     "run dladm show-link -p -o link,class,over")
+DEV, AGGR, MODINFO, INST = "run dladm show-dev", "run dladm show-aggr", "run modinfo", "file /etc/path_to_inst"
+# (selector, place, fixture glob) and (selector, machine.txt answers); selector
+# None: 7, with the high bit on a Solaris 10 machine (one with show-dev).
 specs = {
-    "fuzz_network": ([(0, "solaris-network/*ifconfig*"), (1, "solaris-network/*netstat*"),
-                      (2, "solaris-network/*resolv.conf*"), (3, "solaris-network/*show-phys*"),
-                      (5, "solaris-network/*show-link*"), (S10 | 6, "solaris-network/*show-dev*"),
-                      (S10 | 7, "solaris-network/*show-aggr*"), (8, "solaris-devices/*modinfo*"),
-                      (9, "solaris-devices/*path_to_inst*")],
-                     [(0, ["run ifconfig -a", "run netstat -rn", "file /etc/resolv.conf",
-                           "run dladm show-phys -p -o link,media,device",
-                           "run dladm show-phys -m -p -o link,slot,address",
-                           "run dladm show-link -p -o link,class,over"]),
-                      (S10 | 0, ["run ifconfig -a", "run netstat -rn", "file /etc/resolv.conf", "", "", "",
-                                 "run dladm show-dev", "run dladm show-aggr"]),
-                      (8, ["run modinfo", "file /etc/path_to_inst"])]),
-    "fuzz_system": ([(0, "solaris-system/*release*"), (2, "solaris-system/*etc_default_init*"),
-                     (3, "solaris-system/*pkg*"), (4, "solaris-system/*kbd*"),
-                     (7, "solaris-storage/*mnttab*"), (7, "fcinfo-psrinfo-df/*mount*")],
-                    [(S10 | 0, ["file /etc/release"]), (2, ["file /etc/default/init"]),
-                     (S10 | 3, ["file /var/sadm/pkg/SUNWcsr/pkginfo"]),
-                     (4, ["run kbd -t -l", "file /etc/default/kbd",
-                          "file /usr/share/lib/keytables/type_6/kbd_layouts"]),
-                     (7, ["file /etc/mnttab"])]),
-    "fuzz_pci": ([(0, "solaris-devices/*prtconf*")],
-                 [(0, ["run prtconf -pv", "file /usr/share/hwdata/pci.ids"])]),
+    "fuzz_network": ([(0, 0, "solaris-network/*ifconfig*"), (1, 0, "solaris-network/*netstat*"),
+                      (2, 0, "solaris-network/*resolv.conf*"), (3, 0, "solaris-network/*show-phys*"),
+                      (3, 2, "solaris-network/*show-link*"), (4, 0, "solaris-network/*show-dev*"),
+                      (4, 1, "solaris-network/*show-aggr*"), (5, 0, "solaris-devices/*modinfo*"),
+                      (6, 0, "solaris-devices/*path_to_inst*")],
+                     [(0, [IFC, NETSTAT, RESOLV]), (3, [PHYS, PHYSM, LINK, IFC]), (4, [DEV, AGGR, IFC]),
+                      (5, [MODINFO, DEV]), (6, [INST, DEV]),
+                      (None, [IFC, NETSTAT, RESOLV, PHYS, PHYSM, LINK, DEV, AGGR, MODINFO, INST])]),
+    "fuzz_system": ([(0, 0, "solaris-system/*release*"), (1, 0, "solaris-system/*etc_default_init*"),
+                     (2, 0, "solaris-system/*pkg*"), (3, 0, "solaris-system/*kbd*"),
+                     (4, 0, "solaris-storage/*mnttab*")],
+                    [(0, ["file /etc/release"]), (1, ["file /etc/default/init"]),
+                     (2, ["file /var/sadm/pkg/SUNWcsr/pkginfo"]),
+                     (3, ["run kbd -t -l", "file /etc/default/kbd", "file /usr/share/lib/keytables/type_6/kbd_layouts"]),
+                     (4, ["file /etc/mnttab"])]),
+    "fuzz_pci": ([(0, 0, "solaris-devices/*prtconf*")],
+                 [(0, ["run prtconf -pv", "file /usr/share/hwdata/pci.ids"]),
+                  (0x80, ["run prtconf -pv", "file /usr/share/hwdata/pci.ids"])]),
 }
 if target not in specs: sys.exit(0)
 captures, questions = specs[target]
 def write(name, selector, texts):
     with open(os.path.join(corpus, "seed-" + name), "wb") as out:
         out.write(bytes([selector]) + b"\0".join(texts))
-for selector, pattern in captures:
+for selector, place, pattern in captures:
     for path in glob.glob(os.path.join(fx, pattern)):
         data = open(path, "rb").read()
         mark = b"#==== END OF PROVENANCE HEADER ====\n"
         end = data.find(mark)
-        write(os.path.basename(path), selector, [data[end + len(mark):] if end >= 0 else data])
+        write(os.path.basename(path), selector, [b""] * place + [data[end + len(mark):] if end >= 0 else data])
 for machine in sorted(glob.glob("tests/machines/*/machine.txt")):
     answers, current = {}, None
     for line in open(machine, "rb").read().decode("utf-8", "replace").split("\n"):
@@ -139,7 +139,8 @@ for machine in sorted(glob.glob("tests/machines/*/machine.txt")):
         else:
             current = None
     for selector, keys in questions:
-        if not any(k in answers for k in keys): continue
+        if not answers.get(keys[0]): continue
+        if selector is None: selector = 0x87 if DEV in answers else 7
         texts = [("\n".join(answers[k]) + "\n").encode() if k in answers else b"" for k in keys]
         write("%s-%02x" % (machine.split("/")[-2], selector), selector, texts)
 EOF
