@@ -355,16 +355,16 @@ int StorageScan::addPreviousDisks(const std::string& md5id, const std::string& s
     return 1;
 }
 
-// The tree's disks by "Id", each list in tree order, built once for the
-// scan: a SAN host has a thousand disks and asks for each of them.
+// The tree's disks by "Id", each list in tree order, built on the scan's
+// first look-up (the probe's tree is the same for the whole scan): a SAN
+// host has a thousand disks and asks for each of them.
 const std::vector<StorageScan::NumberedDisk>& StorageScan::disksWithId(const VtNode* table, const std::string& id)
 {
     static const std::vector<NumberedDisk> none;
-    if (m_indexedTable != table) {
-        m_disksById.clear();
+    if (!m_disksIndexed) {
         forEachChild(table, "Disk",
                      [this](int number, const VtNode* disk) { m_disksById[textOf(disk, "Id")].push_back({number, disk}); });
-        m_indexedTable = table;
+        m_disksIndexed = true;
     }
     auto it = m_disksById.find(id);
     return it == m_disksById.end() ? none : it->second;

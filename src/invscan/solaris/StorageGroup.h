@@ -118,7 +118,7 @@ private:
     sys::System& m_os;
     int m_index = 0;
     PreviousDisks m_previous;
-    const VtNode* m_indexedTable = nullptr;  // the diskscan table m_disksById was built from
+    bool m_disksIndexed = false;
     std::unordered_map<std::string, std::vector<NumberedDisk>> m_disksById;
 };
 
