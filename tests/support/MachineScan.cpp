@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
+#include <functional>
 #include <memory>
 #include <sstream>
 
@@ -39,19 +40,9 @@ std::string zoneFacts()
            std::to_string(zone.getChildZonesInfo().size()) + "\n";
 }
 
-// The text without its CATALOGUE lines.
-std::string stripCatalogue(const std::string& text)
-{
-    std::istringstream in(text);
-    std::string line, out;
-    while (std::getline(in, line))
-        if (line.rfind("CATALOGUE: ", 0) != 0) out += line + "\n";
-    return out;
-}
-
-// Every group that has a class, in catalogue order: its table as text, what
-// the catalogue check finds wrong with it, and the trace lines the machine
-// expects that did not come.
+// Every group that has a class, in catalogue order, its table as text; what
+// the zone reader makes of the machine; then a "Problems" section when there
+// are any.
 std::string scanMachine(const std::string& dir)
 {
     FakeSystem os;
@@ -64,7 +55,8 @@ std::string scanMachine(const std::string& dir)
     NimCfg::setKey(String("config_dir"), String(dir + "/config"));
 
     // Every group that has a class, in catalogue order.
-    auto scanGroups = [](std::string& out, bool checkCatalogue) {
+    std::string problems;
+    auto scanGroups = [&problems](std::string& out, bool checkCatalogue) {
         GroupFactory* factory = GroupFactory::getInstance();
         factory->initialise();
         factory->loadNodeFromFile(factory->getHWConfigFile(), 0);
@@ -79,7 +71,8 @@ std::string scanMachine(const std::string& dir)
                 continue;
             }
             if (checkCatalogue)
-                for (const std::string& problem : catalogueProblems(*table)) out += "CATALOGUE: " + problem + "\n";
+                for (const std::string& problem : catalogueProblems(*table))
+                    problems += "CATALOGUE: " + std::string(g->name) + ", " + problem + "\n";
             out += tableText(*table);
         }
         factory->endScan();
@@ -89,37 +82,37 @@ std::string scanMachine(const std::string& dir)
     // A scan runs each command once, however many groups read its output.
     for (const auto& command : os.runs)
         if (command.second > 1)
-            out += "COMMAND RUN " + std::to_string(command.second) + " TIMES IN A SCAN: " + command.first + "\n";
+            problems += "COMMAND RUN " + std::to_string(command.second) + " TIMES IN A SCAN: " + command.first + "\n";
     // Tracing changes no result: a second scan with tracing off gives the same tables.
     {
         trace::Capture quiet(trace::Level::Off);
         std::string again;
         scanGroups(again, false);
-        if (again != stripCatalogue(out)) out += "UNTRACED SCAN DIFFERS\n";
+        if (again != out) problems += "UNTRACED SCAN DIFFERS\n";
     }
     // The build stamp differs from build to build.
     const std::string stamp = getBuildDateQVRB();
     for (size_t at; (at = out.find(stamp)) != std::string::npos;) out.replace(at, stamp.size(), "<build stamp>");
     out += zoneFacts();
-    if (os.openKstatHandles() != 0) out += "LEAK: kernel statistics left open\n";
-    if (os.openLibraries() != 0) out += "LEAK: libraries left open\n";
-    if (os.openStreams() != 0) out += "LEAK: command pipes left open\n";
-    if (os.openDirectories() != 0) out += "LEAK: directories left open\n";
-    if (os.openDescriptors() != 0) out += "LEAK: devices left open\n";
+    if (os.openKstatHandles() != 0) problems += "LEAK: kernel statistics left open\n";
+    if (os.openLibraries() != 0) problems += "LEAK: libraries left open\n";
+    if (os.openStreams() != 0) problems += "LEAK: command pipes left open\n";
+    if (os.openDirectories() != 0) problems += "LEAK: directories left open\n";
+    if (os.openDescriptors() != 0) problems += "LEAK: devices left open\n";
     vtSetProbeTap(nullptr);
     // Each probe runs once in a process, however many groups read its tree.
     for (const auto& probe : os.probeRuns)
-        if (probe.second > 1) out += "PROBE RUN " + std::to_string(probe.second) + " TIMES: " + probe.first + "\n";
+        if (probe.second > 1) problems += "PROBE RUN " + std::to_string(probe.second) + " TIMES: " + probe.first + "\n";
 
     std::istringstream wanted(readFile(dir + "/trace.txt"));
     std::string line;
     bool missing = false;
     while (std::getline(wanted, line))
-        if (!line.empty() && !trace.contains(line)) out += "TRACE MISSING: " + line + "\n", missing = true;
+        if (!line.empty() && !trace.contains(line)) problems += "TRACE MISSING: " + line + "\n", missing = true;
     // INVSCAN_SHOW_TRACE=1: the lines that did come, to write a machine's trace.txt by.
     if (missing && std::getenv("INVSCAN_SHOW_TRACE"))
-        for (const std::string& text : trace.texts()) out += "TRACED: " + text + "\n";
-    return out;
+        for (const std::string& text : trace.texts()) problems += "TRACED: " + text + "\n";
+    return problems.empty() ? out : out + "== Problems\n" + problems;
 }
 
 }  // namespace
@@ -160,6 +153,54 @@ std::string groupSection(const std::string& scan, const std::string& name)
     at = scan.find('\n', at + (at == 0 ? 0 : 1)) + 1;
     const size_t end = scan.find("\n== ", at - 1);
     return scan.substr(at, end == std::string::npos ? std::string::npos : end + 1 - at);
+}
+
+Sections sectionsOf(const std::string& scan)
+{
+    Sections sections;
+    std::istringstream in(scan);
+    std::string line;
+    while (std::getline(in, line))
+        if (line.rfind("== ", 0) == 0)
+            sections.emplace_back(line.substr(3), "");
+        else if (!sections.empty())
+            sections.back().second += line + "\n";
+    return sections;
+}
+
+const std::string* sectionOf(const Sections& sections, const std::string& name)
+{
+    for (const auto& section : sections)
+        if (section.first == name) return &section.second;
+    return nullptr;
+}
+
+namespace {
+std::string sectionNamed(const Sections& sections, const std::string& name, const std::string& otherwise)
+{
+    const std::string* text = sectionOf(sections, name);
+    return text ? *text : otherwise;
+}
+}  // namespace
+
+std::string defaultsFile() { return std::string(INVSCAN_SOURCE_DIR) + "/tests/machines/defaults.txt"; }
+
+std::string defaultSection(const std::string& name)
+{
+    return sectionNamed(sectionsOf(readFile(defaultsFile())), name, "no table\n");
+}
+
+std::string expectedSection(const std::string& dir, const std::string& name)
+{
+    return sectionNamed(sectionsOf(readFile(dir + "/expected.txt")), name, defaultSection(name));
+}
+
+std::string sectionsText(const Sections& sections, const std::function<std::string(const std::string&)>& byDefault)
+{
+    std::string text;
+    for (const auto& section : sections)
+        if (section.second != byDefault(section.first)) text += "== " + section.first + "\n" + section.second;
+    return text;
 }
 
 }  // namespace testsupport
