@@ -7,13 +7,16 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
-#include <fstream>
 #include <map>
 #include <set>
 #include <vector>
 
 #include <nlohmann/json.hpp>
 
+#include "common/sys/ChildOutput.h"
+#include "common/sys/PosixSystem.h"
+#include "common/sys/Portable.h"
+#include "common/sys/Spawn.h"
 #include "invscan/com/Catalogue.h"
 #include "invscan/com/CatalogueChanges.h"
 
@@ -29,13 +32,6 @@ const std::streamsize MAX_SCAN_BYTES = 256L * 1024 * 1024;
 
 void trouble(const std::string& message) { std::fprintf(stderr, "invscan: %s\n", message.c_str()); }
 
-std::string shellQuote(const std::string& word)
-{
-    std::string out = "'";
-    for (char c : word) out += c == '\'' ? std::string("'\\''") : std::string(1, c);
-    return out + "'";
-}
-
 // A name read from a file, fit for a terminal: control characters become '?'.
 std::string printable(std::string text)
 {
@@ -50,8 +46,9 @@ struct Scan {
     Json doc;
 };
 
-// The scan a capture replays to, from this program run as a child: every
-// replay starts from a fresh process, as a scan on the machine did.
+// The scan a capture replays to, from this program run as a child (no
+// shell): every replay starts from a fresh process, as a scan on the machine
+// did. Its standard error goes to an unlinked file, for the first line.
 bool replayCapture(const std::string& self, Scan& scan, std::string& error)
 {
     if (self.empty()) {
@@ -59,28 +56,44 @@ bool replayCapture(const std::string& self, Scan& scan, std::string& error)
         return false;
     }
     char errPath[] = "/tmp/invscan-diff-XXXXXX";
-    const int errFd = mkstemp(errPath);
-    if (errFd < 0) {
+    int errFd = mkstemp(errPath);
+    int out[2] = {-1, -1};
+    if (errFd < 0 || sys::makePipe(out) != 0 || sys::setCloexec(errFd) != 0) {
         error = std::string("cannot replay ") + scan.path + ": " + std::strerror(errno);
+        if (errFd >= 0) unlink(errPath);
+        sys::closeFd(errFd);
         return false;
     }
-    close(errFd);
-    const std::string command = shellQuote(self) + " --format json scan --replay " + shellQuote(scan.path) + " 2>" +
-                                shellQuote(errPath) + " </dev/null";
-    std::string out;
-    if (FILE* pipe = popen(command.c_str(), "r")) {
-        char buffer[65536];
-        size_t got;
-        while ((got = std::fread(buffer, 1, sizeof buffer, pipe)) > 0) out.append(buffer, got);
-        pclose(pipe);
-    }
-    std::ifstream errFile(errPath);
-    std::string firstError;
-    std::getline(errFile, firstError);
     unlink(errPath);
-    scan.doc = Json::parse(out, nullptr, false);
-    if (scan.doc.is_discarded()) {
-        error = "cannot replay " + scan.path + (firstError.empty() ? std::string() : ": " + firstError);
+    sys::SpawnRequest request;
+    request.argv = {self, "--format", "json", "scan", "--replay", scan.path};
+    request.stdoutFd = out[1];
+    request.stderrFd = errFd;
+    pid_t pid = -1;
+    const int started = sys::spawn(request, &pid);
+    sys::closeFd(out[1]);
+    std::string text;
+    if (started == 0) {
+        sys::ChildOutput child(pid, out[0], -1, -1, static_cast<size_t>(MAX_SCAN_BYTES));
+        out[0] = -1;  // the child's reader closes it
+        char buffer[65536];
+        long got;
+        while ((got = child.read(buffer, sizeof buffer)) > 0) text.append(buffer, static_cast<size_t>(got));
+        int status = 0;
+        if (child.finish(&status) == sys::ChildOutput::End::Overflowed) text.clear();
+    }
+    sys::closeFd(out[0]);
+    std::string firstError;
+    char line[512];
+    const ssize_t n = pread(errFd, line, sizeof line - 1, 0);
+    sys::closeFd(errFd);
+    if (n > 0) firstError.assign(line, static_cast<size_t>(n));
+    firstError = firstError.substr(0, firstError.find('\n'));
+    scan.doc = Json::parse(text, nullptr, false);
+    if (started != 0 || scan.doc.is_discarded()) {
+        error = "cannot replay " + scan.path +
+                (started ? std::string(": ") + std::strerror(started)
+                         : firstError.empty() ? std::string() : ": " + printable(firstError));
         return false;
     }
     return true;
@@ -112,23 +125,18 @@ bool loadScan(const std::string& path, const std::string& self, Scan& scan, std:
         }
         return replayCapture(self, scan, error);
     }
-    if (!S_ISREG(info.st_mode)) {
-        error = "cannot read " + path + ": not a regular file";
-        return false;
-    }
-    std::ifstream in(path, std::ios::binary);
-    if (!in) {
-        error = "cannot read " + path + ": " + std::strerror(errno);
-        return false;
-    }
+    // Read on the descriptor it checked: a FIFO swapped in after the look
+    // above is refused, not waited on.
     std::string text;
-    char buffer[65536];
-    while (in.read(buffer, sizeof buffer) || in.gcount() > 0) {
-        text.append(buffer, static_cast<size_t>(in.gcount()));
-        if (static_cast<std::streamsize>(text.size()) > MAX_SCAN_BYTES) {
-            error = path + " is too large for a scan";
-            return false;
-        }
+    bool cut = false;
+    if (!sys::readRegularFile(path.c_str(), text, static_cast<size_t>(MAX_SCAN_BYTES), &cut)) {
+        error = "cannot read " + path + ": " +
+                (errno == EINVAL ? std::string("not a regular file") : std::string(std::strerror(errno)));
+        return false;
+    }
+    if (cut) {
+        error = path + " is too large for a scan";
+        return false;
     }
     const size_t first = text.find_first_not_of(" \t\r\n");
     if (first != std::string::npos && text[first] == '{') {
