@@ -20,8 +20,15 @@ ZPopen::ZPopen(const String& program, const std::vector<String>& args)
     for (const String& a : args) m_argv.push_back(a.narrow());
 }
 
+ZPopen::ZPopen(const std::vector<std::string>& argv) : m_argv(argv) {}
+
 int ZPopen::run()
 {
+    if (m_argv.empty()) {
+        CcLogWrapper::traceMIN(getCcLogHw(), __LINE__, kSource, "run()", "[E] %s", "no command to run");
+        errno = EINVAL;
+        return m_status = -1;
+    }
     const int timeout = NimCfg::getTimeout();
     CcLogWrapper::traceMidEntry(getCcLogHw(), __LINE__, kSource, "run()", "hardware %s (time-out %d s)",
                                 m_argv[0].c_str(), timeout);

@@ -11,6 +11,9 @@
 class ZPopen {
 public:
     explicit ZPopen(const String& program, const std::vector<String>& args = {});
+    // The program and its arguments as one vector (the Solaris command
+    // table's form); an empty vector runs nothing and fails.
+    explicit ZPopen(const std::vector<std::string>& argv);
 
     // Runs the program to its end; the exit status, or -1 when it could not
     // start, was killed by a signal or outlived the time-out.

@@ -2,6 +2,7 @@
 
 #include "common/sys/LinuxAnswers.h"
 #include "common/sys/LinuxNetwork.h"
+#include "common/sys/SolarisCommands.h"
 
 #include <dirent.h>
 #include <unistd.h>
@@ -11,22 +12,11 @@
 #include <cstdlib>
 #include <fstream>
 #include <map>
-#include <regex>
 #include <sstream>
 
 namespace sys {
 namespace linuxanswers {
 namespace {
-
-// An executable of that name in a folder of PATH, as the shell would find it.
-bool onPath(const std::string& program)
-{
-    const char* path = std::getenv("PATH");
-    std::istringstream folders(path ? path : "/usr/bin:/bin");
-    for (std::string folder; std::getline(folders, folder, ':');)
-        if (!folder.empty() && ::access((folder + "/" + program).c_str(), X_OK) == 0) return true;
-    return false;
-}
 
 // KEY=VALUE lines of a shell-style settings file, quotes taken off; later
 // lines win. Empty when the file cannot be read.
@@ -199,26 +189,28 @@ std::string firstLine(const std::string& path)
 
 bool answerFile(const std::string& path, const std::string& root, std::string& text)
 {
+    const solaris::Entry* e = solaris::findFile(path);
+    if (!e) return false;
     std::ostringstream out;
-    if (path == "/etc/release") {
+    if (e->id == solaris::Id::Release) {
         auto release = settings(root + "/etc/os-release");
         if (release.empty()) release = settings(root + "/usr/lib/os-release");
         std::string banner = release["PRETTY_NAME"];
         if (banner.empty()) banner = release["NAME"] + (release["VERSION"].empty() ? "" : " " + release["VERSION"]);
         if (banner.empty()) return false;
         out << "  " << banner << "\n";
-    } else if (path == "/etc/default/init") {
+    } else if (e->id == solaris::Id::InitDefaults) {
         const std::string zone = timeZoneName(root);
         if (!zone.empty()) out << "TZ=" << zone << "\n";
         auto locale = settings(root + "/etc/default/locale");
         if (locale.empty()) locale = settings(root + "/etc/locale.conf");
         for (const auto& kv : locale)
             if (kv.first == "LANG" || kv.first.rfind("LC_", 0) == 0) out << kv.first << "=" << kv.second << "\n";
-    } else if (path == "/etc/mnttab") {
+    } else if (e->id == solaris::Id::MountTable) {
         const std::string table = mountTable(root);
         if (table.empty()) return false;
         out << table;
-    } else if (path == "/etc/default/kbd") {
+    } else if (e->id == solaris::Id::KbdDefaults) {
         const std::string layout = settings(root + "/etc/default/keyboard")["XKBLAYOUT"];
         if (layout.empty()) return false;
         out << "LAYOUT=" << layout << "\n";
@@ -232,17 +224,14 @@ bool answerFile(const std::string& path, const std::string& root, std::string& t
 bool answerShell(const std::string& command, std::string& output, int& status)
 {
     output.clear();
-    if (command == "zonename 2>/dev/null") {
-        if (onPath("zonename")) return false;
-        status = 127;
-        return true;
+    const solaris::Entry* e = solaris::findShell(command);
+    if (!e) return false;
+    switch (e->id) {
+    case solaris::Id::Zonename: status = 127; return true;
+    case solaris::Id::ProcessZone:
+    case solaris::Id::ProcessZoneId: status = 0; return true;
+    default: return false;
     }
-    static const std::regex zoneQuery(R"(LANG=C; ps -o zone(id)? -p \d+ 2>/dev/null \| sed '2q;d' 2>/dev/null)");
-    if (std::regex_match(command, zoneQuery)) {
-        status = 0;
-        return true;
-    }
-    return false;
 }
 
 bool answerRun(const std::vector<std::string>& argv, const std::string& root, std::vector<std::string>& lines,
@@ -250,11 +239,13 @@ bool answerRun(const std::vector<std::string>& argv, const std::string& root, st
 {
     lines.clear();
     status = 0;
-    if (argv == std::vector<std::string>{"prtconf", "-pv"}) {
+    const solaris::Entry* e = solaris::findRun(argv);
+    if (!e) return false;
+    if (e->id == solaris::Id::Prtconf) {
         prtconf(root, lines);
         return true;
     }
-    if (argv == std::vector<std::string>{"kbd", "-t", "-l"}) {
+    if (e->id == solaris::Id::Kbd) {
         const std::string name = keyboardName(root);
         if (name.empty()) {
             status = 1;

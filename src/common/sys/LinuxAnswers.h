@@ -25,11 +25,11 @@ bool answerRun(const std::vector<std::string>& argv, const std::string& root, st
                int& status);
 
 // The shell commands that ask which zone the process runs in: "zonename
-// 2>/dev/null" (no output and status 127, as a shell without the program,
-// unless one is on the PATH) and "LANG=C; ps -o zone|zoneid -p PID ... |
+// 2>/dev/null" (no output and status 127, as a shell without the program;
+// a zonename on the PATH is never run) and "LANG=C; ps -o zone|zoneid -p PID ... |
 // sed '2q;d' ..." (no output: Linux's ps has no zone column). Linux has no
 // zones, and asking a shell, ps and sed to say so costs four processes.
-// False for any other command, or when the program should run.
+// False for any other command.
 bool answerShell(const std::string& command, std::string& output, int& status);
 
 // A file's first line without its line end and trailing blanks; empty when unreadable.

@@ -1,6 +1,7 @@
 #if defined(__linux__)
 
 #include "common/sys/LinuxDisks.h"
+#include "common/sys/SolarisCommands.h"
 
 #include <dirent.h>
 #include <unistd.h>
@@ -224,7 +225,9 @@ bool emulateScsi(const Disk& d, uscsi_cmd& cmd)
 bool answerCommand(const std::string& command, const std::string& sysfs, std::string& output)
 {
     output.clear();
-    if (command == "/usr/bin/iostat -En" || command == "iostat -En") {
+    const solaris::Entry* e = solaris::findShell(command);
+    if (!e) return false;
+    if (e->id == solaris::Id::Iostat || e->id == solaris::Id::IostatOnPath) {
         // What iostat says of each device that the readers use: its name,
         // identity and size. Linux keeps no error counters of this kind.
         for (const Disk& d : listDisks(sysfs)) {
@@ -238,12 +241,12 @@ bool answerCommand(const std::string& command, const std::string& sysfs, std::st
         return true;
     }
     // Solaris shows a floppy drive as /dev/diskette, and a PCMCIA adapter as /dev/pcmcia.
-    if (command == "ls -la /dev/ | grep disk") {
+    if (e->id == solaris::Id::DevDiskListing) {
         for (const std::string& name : names(sysfs + "/block"))
             if (name.compare(0, 2, "fd") == 0) output += "diskette -> /dev/" + name + "\n";
         return true;
     }
-    if (command == "ls -la /dev/| grep pcmcia") {
+    if (e->id == solaris::Id::DevPcmciaListing) {
         for (const std::string& name : names(sysfs + "/class/pcmcia_socket"))
             output += "pcmcia -> /sys/class/pcmcia_socket/" + name + "\n";
         return true;

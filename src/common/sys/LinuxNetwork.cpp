@@ -3,6 +3,7 @@
 #include "common/sys/LinuxNetwork.h"
 
 #include "common/sys/LinuxAnswers.h"
+#include "common/sys/SolarisCommands.h"
 
 #include <arpa/inet.h>
 #include <dirent.h>
@@ -400,7 +401,9 @@ bool answerRun(const std::vector<std::string>& argv, const std::string& root, st
 {
     lines.clear();
     status = 0;
-    if (argv == std::vector<std::string>{"ifconfig", "-a"}) {
+    const solaris::Entry* command = solaris::findRun(argv);
+    if (!command) return false;
+    if (command->id == solaris::Id::Ifconfig) {
         std::vector<KernelLink> links;
         std::vector<KernelAddress> addresses;
         if (!root.empty() || !kernelInterfaces(links, addresses)) {
@@ -410,21 +413,21 @@ bool answerRun(const std::vector<std::string>& argv, const std::string& root, st
         lines = ifconfigLines(links, addresses);
         return true;
     }
-    if (argv == std::vector<std::string>{"netstat", "-rn"}) {
+    if (command->id == solaris::Id::Netstat) {
         lines = netstatLines(root);
         return true;
     }
-    if (argv == std::vector<std::string>{"dladm", "show-phys", "-p", "-o", "link,media,device"}) {
+    if (command->id == solaris::Id::DladmPhysical) {
         for (const PhysicalLink& l : physicalLinks(root))
             lines.push_back(l.name + ":" + l.media + ":" + l.driver + std::to_string(l.instance));
         return true;
     }
-    if (argv == std::vector<std::string>{"dladm", "show-phys", "-m", "-p", "-o", "link,slot,address"}) {
+    if (command->id == solaris::Id::DladmFactoryAddresses) {
         for (const PhysicalLink& l : physicalLinks(root))
             if (!l.permanentMac.empty()) lines.push_back(l.name + ":primary:" + escaped(solarisMac(l.permanentMac)));
         return true;
     }
-    if (argv == std::vector<std::string>{"dladm", "show-link", "-p", "-o", "link,class,over"}) {
+    if (command->id == solaris::Id::DladmLinks) {
         const std::string net = root + "/sys/class/net/";
         for (const PhysicalLink& l : physicalLinks(root)) lines.push_back(l.name + ":phys:");
         for (const std::string& name : entries(net)) {
@@ -433,7 +436,7 @@ bool answerRun(const std::vector<std::string>& argv, const std::string& root, st
         }
         return true;
     }
-    if (argv == std::vector<std::string>{"modinfo"}) {
+    if (command->id == solaris::Id::Modinfo) {
         lines.push_back(" Id Loadaddr   Size Info Rev Module Name");
         std::set<std::string> drivers;
         int id = 0;
@@ -451,7 +454,8 @@ bool answerRun(const std::vector<std::string>& argv, const std::string& root, st
 
 bool answerFile(const std::string& path, const std::string& root, std::string& text)
 {
-    if (path != "/etc/path_to_inst") return false;
+    const solaris::Entry* e = solaris::findFile(path);
+    if (!e || e->id != solaris::Id::PathToInst) return false;
     text = "#\n#\tCaution! This file contains critical kernel state\n#\n";
     for (const PhysicalLink& l : physicalLinks(root))
         if (!l.pciPath.empty()) text += "\"" + l.pciPath + "\" " + std::to_string(l.instance) + " \"" + l.driver + "\"\n";

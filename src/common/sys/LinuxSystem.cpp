@@ -29,6 +29,7 @@
 #include "common/sys/LinuxHostId.h"
 #include "common/sys/PosixSystem.h"
 #include "common/sys/SeamNote.h"
+#include "common/sys/SolarisCommands.h"
 
 namespace sys {
 namespace {
@@ -167,7 +168,21 @@ int openFirmwareMemory()
     return fd;
 }
 
-const char* const kRawDiskDir = "/dev/rdsk";
+const char* const kRawDiskDir = solaris::path(solaris::Id::RawDiskDir);
+
+// What a machine without a Solaris-only program or file says: the seam never
+// runs or reads a Linux namesake in its place.
+void refuse(const char* what, const std::string& name)
+{
+    note((std::string("Solaris ") + what + " '" + name + "' not answered on Linux: taken as missing").c_str());
+}
+
+std::string joined(const std::vector<std::string>& argv)
+{
+    std::string out;
+    for (const std::string& word : argv) out += (out.empty() ? "" : " ") + word;
+    return out;
+}
 
 // The raw-disk directory: Linux's whole disks and optical drives.
 class RawDiskDir : public Dir {
@@ -237,9 +252,9 @@ public:
 
     int open(const char* path, int flags) override
     {
-        if (path && std::strcmp(path, "/dev/xsvc") == 0) return openFirmwareMemory();
-        std::string answer;
-        if (path && linuxanswers::answerFile(path, "", answer)) return openOver(answer);
+        if (path && std::strcmp(path, solaris::path(solaris::Id::MemoryDevice)) == 0) return openFirmwareMemory();
+        int fd = -1;
+        if (path && answeredFile(path, fd)) return fd;
         if (path && std::strncmp(path, kRawDiskDir, std::strlen(kRawDiskDir)) == 0 &&
             path[std::strlen(kRawDiskDir)] == '/')
             return openDisk(path + std::strlen(kRawDiskDir) + 1, flags);
@@ -248,8 +263,8 @@ public:
 
     int openRegular(const char* path) override
     {
-        std::string answer;
-        if (path && linuxanswers::answerFile(path, "", answer)) return openOver(answer);
+        int fd = -1;
+        if (path && answeredFile(path, fd)) return fd;
         return PosixSystem::openRegular(path);
     }
 
@@ -281,11 +296,22 @@ public:
     {
         std::string output;
         int status = 0;
-        if (!command || !mode || mode[0] != 'r') return PosixSystem::popen(command, mode);
-        if (linuxdisks::answerCommand(command, "/sys", output))
+        if (!command || !mode) return PosixSystem::popen(command, mode);
+        const std::string program = solaris::solarisOnlyProgramIn(command);
+        if (mode[0] != 'r') {
+            if (program.empty()) return PosixSystem::popen(command, mode);
+            refuse("command", command);
+            errno = ENOENT;
+            return nullptr;
+        }
+        if (linuxdisks::answerCommand(command, "/sys", output)) {
             status = output.empty() ? 1 : 0;  // grep finding nothing exits 1
-        else if (!linuxanswers::answerShell(command, output, status))
-            return PosixSystem::popen(command, mode);
+        } else if (!linuxanswers::answerShell(command, output, status)) {
+            if (program.empty()) return PosixSystem::popen(command, mode);
+            refuse("command", command);
+            output.clear();
+            status = 127;  // as the shell says of a program it cannot find
+        }
         FILE* stream = streamOver(output);
         if (stream) {
             std::lock_guard<std::mutex> hold(m_lock);
@@ -299,6 +325,12 @@ public:
     {
         int status = 0;
         if (linuxanswers::answerRun(argv, "", lines, status)) return status;
+        if (!argv.empty() && solaris::solarisOnly(argv[0])) {
+            refuse("command", joined(argv));
+            lines.clear();
+            errno = ENOENT;  // as the command runner says of a program it cannot find
+            return -1;
+        }
         return PosixSystem::runCommand(argv, timeoutSeconds, lines);
     }
 
@@ -620,6 +652,26 @@ private:
         ksp->ks_ndata = 1;
         if (buf) std::memcpy(buf, &n, sizeof n);
         return chain.ctl.kc_chain_id;
+    }
+
+    // A Solaris file of the table: its answer, or ENOENT when Linux has
+    // nothing to say or no such file (never a Linux file of that name).
+    // False for any other path, and for the files Linux has as they are.
+    static bool answeredFile(const char* path, int& fd)
+    {
+        std::string answer;
+        if (linuxanswers::answerFile(path, "", answer)) {
+            fd = openOver(answer);
+            return true;
+        }
+        const solaris::Entry* e = solaris::findFile(path);
+        if (!e || e->onLinux == solaris::OnLinux::Native || e->id == solaris::Id::RawDiskDir ||
+            e->id == solaris::Id::MemoryDevice)
+            return false;
+        refuse("file", path);
+        errno = ENOENT;
+        fd = -1;
+        return true;
     }
 
     // A read-only descriptor over an answered file's text.

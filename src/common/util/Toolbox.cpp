@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "common/sys/SolarisCommands.h"
 #include "common/sys/System.h"
 #include "common/util/ApiGuard.h"
 #include "framework/RunLog.h"
@@ -31,12 +32,6 @@ long versionNumber(const char* text)
     return value;
 }
 
-// The command's second output line: the value under ps's header.
-std::string psValueCommand(const char* column)
-{
-    return std::string("LANG=C; ps -o ") + column + " -p " + std::to_string(sys::current().getpid()) +
-           " 2>/dev/null | sed '2q;d' 2>/dev/null";
-}
 }  // namespace
 
 int Toolbox::stricmp(const std::string& a, const std::string& b)
@@ -235,7 +230,10 @@ bool Toolbox::getZoneName(std::string& out)
 {
     return api::guarded<bool>(kSource, "Toolbox::getZoneName", false, [&]() -> bool {
         std::string line;
-        if (!getCmdValue2("zonename 2>/dev/null", line) && !getCmdValue(psValueCommand("zone").c_str(), line))
+        // ps's command prints its second output line: the value under ps's header.
+        const long pid = static_cast<long>(sys::current().getpid());
+        if (!getCmdValue2(sys::solaris::line(sys::solaris::Id::Zonename).c_str(), line) &&
+            !getCmdValue(sys::solaris::processZone(pid).c_str(), line))
             return false;
         // Whatever the command printed is the answer, even a blank line: only a
         // command that gave nothing at all says there are no zones.
@@ -248,7 +246,8 @@ bool Toolbox::getZoneId(long& id)
 {
     return api::guarded<bool>(kSource, "Toolbox::getZoneId", false, [&]() -> bool {
         std::string line;
-        if (!getCmdValue(psValueCommand("zoneid").c_str(), line)) return false;
+        if (!getCmdValue(sys::solaris::processZoneId(static_cast<long>(sys::current().getpid())).c_str(), line))
+            return false;
         str2long(trim(line.c_str()).c_str(), id, 0);
         return true;  // even when the line was no number: so it was built
     });

@@ -11,6 +11,7 @@
 #include <cstring>
 #include <string>
 
+#include "common/sys/SolarisCommands.h"
 #include "common/sys/System.h"
 
 namespace {
@@ -22,7 +23,7 @@ unsigned char* readPhysical(uint32_t address, size_t length)
     sys::System& os = sys::current();
     auto* buffer = static_cast<unsigned char*>(std::malloc(length ? length : 1));
     if (!buffer) return nullptr;
-    const int fd = os.open(SMBIOS_MEMORY_DEVICE, O_RDONLY);
+    const int fd = os.open(sys::solaris::path(sys::solaris::Id::MemoryDevice), O_RDONLY);
     if (fd < 0) {
         std::free(buffer);
         return nullptr;

@@ -22,7 +22,6 @@ struct SMBIOS_Locator {
 // The structure, its string set, and the caller's context; non-zero stops the walk.
 typedef int (*SMBIOS_Callback)(const unsigned char* structure, const char* strings, void* context);
 
-const char* const SMBIOS_MEMORY_DEVICE = "/dev/xsvc";
 const uint32_t SMBIOS_BIOS_AREA = 0xF0000;
 const uint32_t SMBIOS_BIOS_AREA_LENGTH = 0x10000;
 

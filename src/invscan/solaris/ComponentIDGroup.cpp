@@ -7,6 +7,7 @@
 #include <cstring>
 
 #include "common/sys/Portable.h"
+#include "common/sys/SolarisCommands.h"
 #include "common/sys/System.h"
 #include "common/util/smbios.h"
 #include "framework/Trace.h"
@@ -56,9 +57,10 @@ char* ComponentIDGroup::getBanner()
 {
     const char* fn = "getBanner()";
     sys::System& os = sys::current();
-    const int fd = os.open("/dev/openprom", O_RDONLY);
+    const char* const device = sys::solaris::path(sys::solaris::Id::PromDevice);
+    const int fd = os.open(device, O_RDONLY);
     if (fd < 0) {
-        CID_TRACE(traceMID, fn, "hardware %s %s %s %s", "open of device", "/dev/openprom", "failed :",
+        CID_TRACE(traceMID, fn, "hardware %s %s %s %s", "open of device", device, "failed :",
                   std::strerror(errno));
         CID_TRACE(traceMID, fn, "hardware %s", "Return NULL");
         return nullptr;

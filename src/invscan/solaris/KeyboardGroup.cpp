@@ -3,6 +3,7 @@
 #include <cctype>
 #include <cstdlib>
 
+#include "common/sys/SolarisCommands.h"
 #include "common/sys/System.h"
 #include "common/util/SystemFile.h"
 #include "framework/Trace.h"
@@ -20,8 +21,8 @@ const char* const kSource = "./../../../src/invscan/solaris/KeyboardGroup";
 const char* const kFunction = "getTable()";
 #define KBD_TRACE(level, ...) CcLogWrapper::level(getCcLogHw(), __LINE__, kSource, kFunction, __VA_ARGS__)
 
-const char* const kLayouts = "/usr/share/lib/keytables/type_6/kbd_layouts";
-const char* const kDefaults = "/etc/default/kbd";
+const char* const kLayouts = sys::solaris::path(sys::solaris::Id::KeyboardLayouts);
+const char* const kDefaults = sys::solaris::path(sys::solaris::Id::KbdDefaults);
 
 // A positive count of milliseconds, or -1.
 int milliseconds(const std::string& text)
@@ -119,7 +120,7 @@ KorTable* KeyboardGroup::getTable()
         CcLogWrapper::traceMidEntry(getCcLogHw(), __LINE__, kSource, kFunction, "hardware %s", "KeyboardGroup");
         sys::System& os = sys::current();
         KeyboardFacts facts;
-        ZPopen kbd(String("kbd"), {String("-t"), String("-l")});
+        ZPopen kbd(sys::solaris::argv(sys::solaris::Id::Kbd));
         const bool told = kbd.run() == 0 && parseKbdOutput(kbd.lines(), facts);
         if (!told) {
             // A server without a keyboard: kbd cannot open the device.

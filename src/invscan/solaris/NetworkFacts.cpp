@@ -10,6 +10,7 @@
 #include <cstring>
 #include <sstream>
 
+#include "common/sys/SolarisCommands.h"
 #include "common/sys/System.h"
 #include "common/util/SystemFile.h"
 #include "framework/String.h"
@@ -384,13 +385,13 @@ std::string NetworkFacts::gatewayOf(const Interface& i) const
 
 namespace {
 
-bool run(const char* program, std::vector<String> args, std::vector<std::string>& lines)
+using sys::solaris::Id;
+
+bool run(sys::solaris::Id id, std::vector<std::string>& lines)
 {
-    std::string text = program;
-    for (const String& a : args) text += " " + a.narrow();
-    ZPopen command{String(program), args};
+    ZPopen command{sys::solaris::argv(id)};
     if (command.run() != 0) {
-        NET_TRACE(traceMIN, "hardware ERROR! %s failed, status %d", text.c_str(), command.exitStatus());
+        NET_TRACE(traceMIN, "hardware ERROR! %s failed, status %d", sys::solaris::entry(id).text, command.exitStatus());
         return false;
     }
     lines = command.lines();
@@ -408,16 +409,15 @@ std::vector<Link> gatherLinks(const std::string& release, const std::vector<Inte
     std::vector<Link> links;
     std::vector<std::string> lines;
     if (firstDladm(release)) {
-        if (run("dladm", {String("show-dev")}, lines)) links = parseSolaris10Devices(lines);
-        if (run("dladm", {String("show-aggr")}, lines)) readSolaris10Aggregations(lines, links);
+        if (run(Id::DladmDevices, lines)) links = parseSolaris10Devices(lines);
+        if (run(Id::DladmAggregations, lines)) readSolaris10Aggregations(lines, links);
     } else {
-        if (run("dladm", {String("show-phys"), String("-p"), String("-o"), String("link,media,device")}, lines))
+        if (run(Id::DladmPhysical, lines))
             links = parsePhysicalLinks(lines);
         if (!links.empty() &&
-            run("dladm", {String("show-phys"), String("-m"), String("-p"), String("-o"), String("link,slot,address")},
-                lines))
+            run(Id::DladmFactoryAddresses, lines))
             readFactoryAddresses(lines, links);
-        if (run("dladm", {String("show-link"), String("-p"), String("-o"), String("link,class,over")}, lines))
+        if (run(Id::DladmLinks, lines))
             readAggregations(lines, links);
     }
     // The address in use is the plumbed interface's "ether" line (the first
@@ -463,13 +463,13 @@ NetworkFacts gatherNetwork(sys::System& os)
     NetworkFacts facts;
     facts.hostname = systemfacts::sysinfoText(os, SI_HOSTNAME);
     std::vector<std::string> lines;
-    if (run("ifconfig", {String("-a")}, lines)) facts.interfaces = parseIfconfig(lines);
-    if (run("netstat", {String("-rn")}, lines)) facts.defaultRoutes = parseDefaultRoutes(lines);
+    if (run(Id::Ifconfig, lines)) facts.interfaces = parseIfconfig(lines);
+    if (run(Id::Netstat, lines)) facts.defaultRoutes = parseDefaultRoutes(lines);
     std::string text;
     // The resolver itself reads no further than its first lines: a longer
     // file still names the domain and servers.
     bool resolverCut = false;
-    facts.resolverRead = util::readSystemFileHead(os, "/etc/resolv.conf", text, 64 << 10, &resolverCut);
+    facts.resolverRead = util::readSystemFileHead(os, sys::solaris::path(Id::ResolverConf), text, 64 << 10, &resolverCut);
     if (resolverCut) NET_TRACE(traceMID, "hardware %s", "/etc/resolv.conf is over 64 KiB: its first 64 KiB read");
     if (facts.resolverRead)
         facts.resolver = parseResolver(text);
@@ -480,8 +480,8 @@ NetworkFacts gatherNetwork(sys::System& os)
     bool physical = false;
     for (const Link& l : facts.links) physical = physical || !l.aggregation;
     if (physical) {
-        if (run("modinfo", {}, lines)) facts.driverVersions = parseModuleVersions(lines);
-        if (util::readSystemFile(os, "/etc/path_to_inst", text, 4 << 20)) facts.pciIds = parsePciNodes(text);
+        if (run(Id::Modinfo, lines)) facts.driverVersions = parseModuleVersions(lines);
+        if (util::readSystemFile(os, sys::solaris::path(Id::PathToInst), text, 4 << 20)) facts.pciIds = parsePciNodes(text);
         for (const Link& l : facts.links)
             if (!facts.driverPaths.count(l.driver()))
                 facts.driverPaths[l.driver()] = driverPath(os, l.driver());

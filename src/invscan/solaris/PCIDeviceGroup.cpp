@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <set>
 
+#include "common/sys/SolarisCommands.h"
 #include "common/sys/System.h"
 #include "common/util/SystemFile.h"
 #include "framework/Trace.h"
@@ -178,7 +179,7 @@ KorTable* PCIDeviceGroup::getTable()
 {
     return api::guardedTable("PCIDeviceGroup::getTable()", [&]() -> KorTable* {
         CcLogWrapper::traceMidEntry(getCcLogHw(), __LINE__, kSource, kFunction, "hardware %s", "PCIDeviceGroup");
-        ZPopen prtconf(String("prtconf"), {String("-pv")});
+        ZPopen prtconf(sys::solaris::argv(sys::solaris::Id::Prtconf));
         if (prtconf.run() != 0) {
             PCI_TRACE(traceMIN, "hardware %s %d", "ERROR! prtconf -pv failed, status", prtconf.exitStatus());
             return nullptr;

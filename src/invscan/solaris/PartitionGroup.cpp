@@ -7,6 +7,7 @@
 #include <cstring>
 #include <set>
 
+#include "common/sys/SolarisCommands.h"
 #include "common/sys/System.h"
 #include "common/util/SystemFile.h"
 #include "framework/Trace.h"
@@ -21,7 +22,7 @@ const char* const kSource = "./../../../src/invscan/solaris/PartitionGroup";
 const char* const kFunction = "getTable()";
 #define PART_TRACE(level, ...) CcLogWrapper::level(getCcLogHw(), __LINE__, kSource, kFunction, __VA_ARGS__)
 
-const char* const kMountTable = "/etc/mnttab";
+const char* const kMountTable = sys::solaris::path(sys::solaris::Id::MountTable);
 constexpr size_t kMountTableLimit = 16 << 20;  // thousands of zones' mounts fit
 
 // Kernel views, not storage: never a row.

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "common/sys/Portable.h"
+#include "common/sys/SolarisCommands.h"
 #include "common/sys/System.h"
 #include "common/util/SystemFile.h"
 #include "framework/Trace.h"
@@ -58,7 +59,7 @@ std::string serviceLocale(sys::System& os)
     if (asked) return answer;
     if (sysinfoText(os, SI_RELEASE).compare(0, 4, "5.11") != 0) return std::string();
     asked = true;
-    ZPopen svcprop(String("svcprop"), {String("-p"), String("environment/LANG"), String("svc:/system/environment:init")});
+    ZPopen svcprop(sys::solaris::argv(sys::solaris::Id::Svcprop));
     if (svcprop.run() == 0 && !svcprop.lines().empty()) answer = trimmed(svcprop.lines().front());
     return answer;
 }
@@ -150,7 +151,7 @@ std::map<std::string, std::string> readSettings(sys::System& os, const char* pat
 
 Locales readLocales(sys::System& os)
 {
-    const auto init = readSettings(os, "/etc/default/init");
+    const auto init = readSettings(os, sys::solaris::path(sys::solaris::Id::InitDefaults));
     Locales l;
     l.system = firstSet(init, {"LC_ALL", "LANG"});
     if (l.system.empty()) l.system = serviceLocale(os);

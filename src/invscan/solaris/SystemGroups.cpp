@@ -6,6 +6,7 @@
 #include <ctime>
 
 #include "InvscanVersion.h"  // generated from the project's version
+#include "common/sys/SolarisCommands.h"
 #include "common/sys/System.h"
 #include "common/util/SystemFile.h"
 #include "common/util/smbios.h"
@@ -28,8 +29,8 @@ const char* const kSource = "./../../../src/invscan/solaris/SystemGroups";
 #define SYS_TRACE(level, function, ...) CcLogWrapper::level(getCcLogHw(), __LINE__, kSource, function, __VA_ARGS__)
 
 // Where the release banner and the core package's install record live.
-const char* const kReleaseFile = "/etc/release";
-const char* const kCorePackageInfo = "/var/sadm/pkg/SUNWcsr/pkginfo";
+const char* const kReleaseFile = sys::solaris::path(sys::solaris::Id::Release);
+const char* const kCorePackageInfo = sys::solaris::path(sys::solaris::Id::CorePackageInfo);
 
 KorTableAttrib* text(unsigned long id, const std::string& value, size_t max)
 {

@@ -8,6 +8,7 @@
 #include <cstring>
 #include <vector>
 
+#include "common/sys/SolarisCommands.h"
 #include "common/sys/System.h"
 #include "common/sys/ZoneLibraries.h"
 #include "common/util/Toolbox.h"
@@ -283,31 +284,28 @@ int Zone::readZoneCapacity(float& capacity)
     return 0;
 }
 
-bool Zone::getMatchedCommandOutput(const std::string& command, const std::string& arguments,
-                                   const std::string& regex, std::string& out)
+bool Zone::getMatchedCommandOutput(const std::vector<std::string>& argv, const std::string& regex, std::string& out)
 {
     const char* fn = "getMatchedCommandOutput()";
-    ZONE_TRACE(traceMAX, fn, "calling command: '%s %s'", command.c_str(), arguments.c_str());
-    std::vector<String> args;
-    int position = 0;
-    for (std::string word; !(word = Toolbox::get_token(arguments.c_str(), position)).empty();) args.emplace_back(word);
-    ZPopen run(String(command), args);
+    std::string command;
+    for (const std::string& word : argv) command += (command.empty() ? "" : " ") + word;
+    ZONE_TRACE(traceMAX, fn, "calling command: '%s'", command.c_str());
+    ZPopen run(argv);
     if (run.run() != 0) return false;
-    ZONE_TRACE(traceMAX, fn, "'%s %s' command successfully executed", command.c_str(), arguments.c_str());
+    ZONE_TRACE(traceMAX, fn, "'%s' command successfully executed", command.c_str());
     std::string text;
     for (const std::string& line : run.lines()) text += line;
     ZONE_TRACE(traceMAX, fn, "command output: '%s'", text.c_str());
     if (text.empty()) {
-        ZONE_TRACE(traceMAX, fn, "Nothing returned on stdout by the '%s %s' command", command.c_str(),
-                   arguments.c_str());
+        ZONE_TRACE(traceMAX, fn, "Nothing returned on stdout by the '%s' command", command.c_str());
         return true;
     }
     out.clear();
     if (utils::regexMatch(text, regex, out))
         ZONE_TRACE(traceMAX, fn, "string matched by regex in the command output is: '%s'", out.c_str());
     else
-        ZONE_TRACE(traceMIN, fn, "NOT matched, command called='%s %s' with output: '%s'", command.c_str(),
-                   arguments.c_str(), text.c_str());
+        ZONE_TRACE(traceMIN, fn, "NOT matched, command called='%s' with output: '%s'", command.c_str(),
+                   text.c_str());
     return true;  // the command ran, whatever the regex found
 }
 
@@ -327,14 +325,14 @@ bool Zone::getZonePropertyValue(const std::string& property, const std::string& 
                    zoneName.c_str());
         return false;
     }
-    return getMatchedCommandOutput("zonecfg", "-z " + zoneName + " info " + property,
+    return getMatchedCommandOutput(sys::solaris::zonecfgInfo(zoneName, property),
                                    property + ":[[:space:]]+([^[:space:]]*)", out);
 }
 
 int Zone::getPoolNameForCurrentProcess(std::string& poolName)
 {
-    const std::string pid = std::to_string(sys::current().getpid());
-    return getMatchedCommandOutput("poolbind", "-q " + pid, "[[:digit:]]+[[:space:]]+([^[:space:]]*)", poolName)
+    return getMatchedCommandOutput(sys::solaris::poolbindQuery(static_cast<long>(sys::current().getpid())),
+                                   "[[:digit:]]+[[:space:]]+([^[:space:]]*)", poolName)
                ? 0
                : 1;
 }
@@ -485,10 +483,11 @@ int Zone::readChildZonesInfo()
                    "child zones info will not be read as this is not a zone or not a global zone");
         return 0;
     }
-    ZONE_TRACE(traceMAX, fn, "calling command: '%s %s'", "zoneadm", "list -c -p");
-    ZPopen zoneadm(String("zoneadm"), {String("list"), String("-c"), String("-p")});
+    const char* const list = sys::solaris::entry(sys::solaris::Id::Zoneadm).text;
+    ZONE_TRACE(traceMAX, fn, "calling command: '%s'", list);
+    ZPopen zoneadm(sys::solaris::argv(sys::solaris::Id::Zoneadm));
     if (zoneadm.run() != 0) return 1;
-    ZONE_TRACE(traceMAX, fn, "'%s %s' command successfully executed", "zoneadm", "list -c -p");
+    ZONE_TRACE(traceMAX, fn, "'%s' command successfully executed", list);
     int result = 0;
     for (const std::string& line : zoneadm.lines()) {
         ZONE_TRACE(traceMAX, fn, "current line output: '%s'", line.c_str());

@@ -74,8 +74,9 @@ public:
     int readPoolInfo(ZoneInfo& info);
     int readChildZonesInfo();
     bool getZonePropertyValue(const std::string& property, const std::string& zoneName, std::string& out);
-    bool getMatchedCommandOutput(const std::string& command, const std::string& arguments, const std::string& regex,
-                                 std::string& out);
+    // Runs `argv` (from the Solaris command table) and matches its joined
+    // output lines; false when it did not run (or `argv` is empty).
+    bool getMatchedCommandOutput(const std::vector<std::string>& argv, const std::string& regex, std::string& out);
 
 private:
     int readPoolFacts(ZoneInfo& info);  // readPoolInfo's steps, each returning its result

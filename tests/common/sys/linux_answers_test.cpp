@@ -92,10 +92,11 @@ TEST(LinuxAnswers, ZoneQueriesAnsweredWithoutAShell)
         EXPECT_EQ(status, 127);  // as the shell says of a missing program
     }
     {
-        TempDir bin;  // a zonename program on the PATH runs
+        TempDir bin;  // a zonename on the PATH is no Solaris zonename: still not asked
         bin.script("zonename", "echo global\n");
         ScopedEnv path("PATH", bin.path().c_str());
-        EXPECT_FALSE(answerShell("zonename 2>/dev/null", output, status));
+        ASSERT_TRUE(answerShell("zonename 2>/dev/null", output, status));
+        EXPECT_EQ(status, 127);
     }
     for (const char* column : {"zone", "zoneid"}) {
         const std::string query = std::string("LANG=C; ps -o ") + column +
