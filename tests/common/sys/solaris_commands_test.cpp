@@ -79,15 +79,16 @@ TEST(SolarisCommands, SolarisOnlyProgramsInShellLines)
 
 #if defined(__linux__)
 
-// A folder of programs named as the table's Solaris-only ones, each leaving
-// a mark when it runs.
+// A folder of programs named as every program the table's answered or
+// absent commands name (ps and ls too: their answered lines must not run
+// them either), each leaving a mark when it runs.
 struct PlantedPrograms {
     TempDir bin;
     std::unique_ptr<ScopedEnv> path;
     PlantedPrograms()
     {
         for (const Entry& e : table())
-            if (solarisOnly(e.program)) bin.script(e.program, "echo ran > " + bin.path() + "/ran-$(basename $0)\necho out\n");
+            if (*e.program && e.onLinux != OnLinux::Native) bin.script(e.program, "echo ran > " + bin.path() + "/ran-$(basename $0)\necho out\n");
         path.reset(new ScopedEnv("PATH", (bin.path() + ":/usr/bin:/bin").c_str()));
     }
     // The programs that left a mark.
