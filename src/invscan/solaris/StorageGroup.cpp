@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "common/sys/Portable.h"
+#include "common/sys/SolarisCommands.h"
 #include "common/sys/System.h"
 #include "common/vartree/vtree.h"
 #include "framework/RunLog.h"
@@ -32,8 +33,7 @@ namespace {
 const char* const kSource = "./../../../src/invscan/solaris/StorageGroup";
 #define ST_TRACE(level, fn, ...) CcLogWrapper::level(getCcLogHw(), __LINE__, kSource, fn, __VA_ARGS__)
 
-const char* const kRawDiskDir = "/dev/rdsk";
-const char* const kDevDir = "/dev/";
+const char* const kRawDiskDir = sys::solaris::path(sys::solaris::Id::RawDiskDir);
 const size_t kIostatLine = 512;  // the longest line the CD/DVD reader takes whole
 // iostat prints a few hundred bytes a device: a command that never stops
 // printing is not followed past this.
@@ -156,8 +156,8 @@ std::string readAll(FILE* stream)
 bool runIostat(sys::System& os, std::string& output)
 {
     runlog::Timed timed("iostat -En");
-    FILE* stream = os.popen("/usr/bin/iostat -En", "r");
-    if (!stream) stream = os.popen("iostat -En", "r");
+    FILE* stream = os.popen(sys::solaris::line(sys::solaris::Id::Iostat).c_str(), "r");
+    if (!stream) stream = os.popen(sys::solaris::line(sys::solaris::Id::IostatOnPath).c_str(), "r");
     if (!stream) return false;
     output = readAll(stream);
     timed.setStatus(runlog::exitStatus(os.pclose(stream)));
@@ -275,7 +275,7 @@ int isUltrium_tape_LT4772_running()
     sys::System& os = sys::current();
     ST_TRACE(traceMAX, fn, "hardware %s ", "running ps -ef");
     runlog::Timed timed("/usr/bin/ps -ef");
-    FILE* stream = os.popen("/usr/bin/ps -ef", "r");
+    FILE* stream = os.popen(sys::solaris::line(sys::solaris::Id::ProcessList).c_str(), "r");
     if (!stream) return 0;
     char line[256];
     char names[][16] = {"save", "recover", "nsrclone", "nsrstage"};
@@ -632,8 +632,9 @@ StorageFacts StorageScan::gather()
         if (!haveIostat) ST_TRACE(traceMID, fn, "hardware %s", "iostat failed - no CD-ROMs will be reported");
     }
     walkRawDisks(haveIostat ? &iostat : nullptr, facts);
-    reportByListing(std::string("ls -la ") + kDevDir + " | grep disk", "floppy", &StorageScan::reportFloppy, facts);
-    reportByListing(std::string("ls -la ") + kDevDir + "| grep pcmcia", "pcmcia", &StorageScan::reportPCMCIA, facts);
+    reportByListing(sys::solaris::line(sys::solaris::Id::DevDiskListing), "floppy", &StorageScan::reportFloppy, facts);
+    reportByListing(sys::solaris::line(sys::solaris::Id::DevPcmciaListing), "pcmcia", &StorageScan::reportPCMCIA,
+                    facts);
     return facts;
 }
 
