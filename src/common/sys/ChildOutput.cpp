@@ -5,12 +5,26 @@
 #include <poll.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <cerrno>
 
 namespace sys {
 
+namespace {
+std::atomic<long long> g_latestEnd{-1};
+
+long long earlier(long long deadline)
+{
+    const long long latest = g_latestEnd;
+    if (latest < 0) return deadline;
+    return deadline < 0 || latest < deadline ? latest : deadline;
+}
+}  // namespace
+
+void setLatestEnd(long long deadlineMs) { g_latestEnd = deadlineMs; }
+
 ChildOutput::ChildOutput(pid_t pid, int out, int err, long long deadlineMs, size_t limit, bool own)
-    : m_pid(pid), m_out(out), m_err(err), m_deadline(deadlineMs), m_limit(limit), m_own(own)
+    : m_pid(pid), m_out(out), m_err(err), m_deadline(earlier(deadlineMs)), m_limit(limit), m_own(own)
 {
 }
 

@@ -11,11 +11,17 @@
 
 namespace sys {
 
+// A moment (monotonicMillis()) past which no child read here runs, whatever
+// its own bound: a host's deadline for the whole scan, to the millisecond.
+// -1, the default: none.
+void setLatestEnd(long long deadlineMs);
+
 class ChildOutput {
 public:
     // Reads the descriptors `out` and `err` (-1: none), and closes them in
     // finish() when `own`; a caller that keeps them closes them itself before
-    // finish(). `deadlineMs` of monotonicMillis(), -1 for none; `limit`
+    // finish(). `deadlineMs` of monotonicMillis(), -1 for none (the latest
+    // end above, when set, is the earlier of the two); `limit`
     // bytes of output at most.
     ChildOutput(pid_t pid, int out, int err, long long deadlineMs, size_t limit, bool own = true);
     ~ChildOutput();  // ends the child as finish() does

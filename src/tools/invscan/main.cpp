@@ -28,8 +28,10 @@
 #include "common/replay/Recorder.h"
 #include "common/replay/Sanitizer.h"
 #include "common/replay/SimulatedSystem.h"
+#include "common/sys/ChildOutput.h"
 #include "common/sys/Portable.h"
 #include "common/sys/PosixSystem.h"
+#include "common/sys/Spawn.h"
 #include "common/sys/System.h"
 #include "common/vartree/vtexec.h"
 #include "framework/NimCfg.h"
@@ -289,6 +291,8 @@ int runScan(const Options& options)
     const Clock::time_point started = Clock::now();
     auto since = [](Clock::time_point from) { return std::chrono::duration<double>(Clock::now() - from).count(); };
     const int timeout = NimCfg::getTimeout();
+    if (options.deadline > 0)
+        sys::setLatestEnd(sys::monotonicMillis() + static_cast<long long>(options.deadline * 1000.0 + 0.5));
     runlog::take();  // runs before the scan are not its own
     std::vector<std::pair<std::string, double>> groupTimes;
     for (const Wanted& one : wanted) {
@@ -315,7 +319,9 @@ int runScan(const Options& options)
             }
             continue;
         }
-        // A group started before the deadline may not run its commands past it.
+        // A group started before the deadline may not run its commands past
+        // it: the probes and commands end at it to the millisecond, and the
+        // shell pipes (whose bound is in whole seconds) at the next second.
         if (options.deadline > 0) {
             const double rest = options.deadline - since(started);
             int left = static_cast<int>(rest);
@@ -380,7 +386,10 @@ int runScan(const Options& options)
         std::fflush(stdout);
     }
     factory->endScan();
-    if (options.deadline > 0) NimCfg::setKey("hwscanner.timeout", std::to_string(timeout));
+    if (options.deadline > 0) {
+        NimCfg::setKey("hwscanner.timeout", std::to_string(timeout));
+        sys::setLatestEnd(-1);
+    }
     const double total = since(started);
     const std::vector<runlog::Run> runs = runlog::take();
 
