@@ -6,7 +6,9 @@
 #include <string>
 
 #include "invscan/com/KorTable.h"
+#include "invscan/com/KorValue.h"
 #include "invscan/com/Render.h"
+#include "invscan/com/ValueText.h"
 #include "support/StreamCapture.h"
 
 namespace {
@@ -102,6 +104,34 @@ TEST(Printers, FloatUsesAPointUnderACommaLocale)
     EXPECT_STREQ(buffer, "1,5|1.500000");
     EXPECT_EQ(std::setlocale(LC_NUMERIC, nullptr), comma);  // restored afterwards
     std::setlocale(LC_NUMERIC, saved.c_str());
+}
+
+// The one text of a value the command line and the tests' table text share:
+// what the hosts' locale, a code point no encoding carries or a date-time never
+// set must not change or break.
+TEST(Printers, ValueTextOfEdgeValues)
+{
+    const unsigned char raw[] = {0x00, 0x9F};
+    const wchar_t odd[] = {L'a', static_cast<wchar_t>(0xD800), static_cast<wchar_t>(0x110000), L'\0'};
+    KorValue unset;
+    unset.type = KOR_DATETIME;
+    unset.bytes = std::string(KOR_DATETIME_LENGTH, '\0');
+    KorValue decoded;
+    ASSERT_TRUE(decodeKorValue(KorTableAttrib(1, raw, 2u).getAttribPtr(), decoded));
+    EXPECT_EQ(korValueText(decoded, RealForm::Short), "009F");
+    ASSERT_TRUE(decodeKorValue(KorTableAttrib(1, odd).getAttribPtr(), decoded));
+    EXPECT_EQ(korValueText(decoded, RealForm::Short), "a\xEF\xBF\xBD\xEF\xBF\xBD");
+    EXPECT_EQ(korValueText(unset, RealForm::Short), "");
+
+    const std::string saved = std::setlocale(LC_NUMERIC, nullptr);
+    const bool comma = std::setlocale(LC_NUMERIC, "de_DE.UTF-8") || std::setlocale(LC_NUMERIC, "fr_FR.UTF-8");
+    ASSERT_TRUE(decodeKorValue(KorTableAttrib(1, 1234567.125).getAttribPtr(), decoded));
+    const std::string fixed = realText(1234567.125, RealForm::Fixed), shown = korValueText(decoded, RealForm::Short),
+                      exact = korValueText(decoded, RealForm::Exact);
+    std::setlocale(LC_NUMERIC, saved.c_str());
+    EXPECT_EQ(fixed, "1234567.125000") << (comma ? "under a comma locale" : "");
+    EXPECT_EQ(shown, "1.23457e+06");
+    EXPECT_EQ(exact, "1234567.12");
 }
 
 TEST(Printers, EnumTable)

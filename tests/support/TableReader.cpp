@@ -3,8 +3,8 @@
 #include <cstdio>
 #include <set>
 
-#include "framework/utils.h"
 #include "invscan/com/KorTable.h"
+#include "invscan/com/ValueText.h"
 
 namespace testsupport {
 
@@ -69,30 +69,7 @@ std::vector<NamedRow> readNamedRows(KorTable& table)
     return named;
 }
 
-std::string valueText(const KorValue& v)
-{
-    char buffer[64];
-    switch (v.type) {
-    case KOR_FLOAT:
-    case KOR_DOUBLE:
-        std::snprintf(buffer, sizeof buffer, "%.9g", v.real);
-        return buffer;
-    case KOR_LONGLONG: return std::to_string(v.signedNumber);
-    case KOR_STRING:
-    case KOR_WIDESTRING: return utils::stringToUTF8(v.text);
-    case KOR_DATETIME: return v.bytes;
-    case KOR_OCTETSTRING: {
-        std::string hex;
-        for (unsigned char c : v.bytes) {
-            std::snprintf(buffer, sizeof buffer, "%02X", c);
-            hex += buffer;
-        }
-        return hex;
-    }
-    case 0: return "(unreadable)";
-    default: return std::to_string(v.number);
-    }
-}
+std::string valueText(const KorValue& v) { return v.type == 0 ? "(unreadable)" : korValueText(v, RealForm::Exact); }
 
 std::string tableText(KorTable& table)
 {

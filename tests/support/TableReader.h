@@ -17,7 +17,8 @@ using Row = std::vector<KorValue>;
 // The table is walked from its start and left reset.
 std::vector<Row> readTable(KorTable& table);
 
-// Strings in UTF-8, numbers in decimal, reals with %.9g, octets in hex.
+// The library's text of the value (korValueText), reals with %.9g;
+// "(unreadable)" for a value that did not decode.
 std::string valueText(const KorValue& value);
 
 // One row as "attribute name -> value text", names from the catalogue (an

@@ -2,8 +2,8 @@
 
 #include "common/util/ApiGuard.h"
 #include "invscan/com/KorValue.h"
+#include "invscan/com/ValueText.h"
 
-#include <clocale>
 #include <climits>
 #include <cstdlib>
 #include <cstring>
@@ -133,11 +133,7 @@ void PrintKorFloat(FILE* stream, double value)
 {
     api::guardedCall(kSource, "PrintKorFloat", [&] {
         if (!stream) stream = stdout;
-        const char* current = std::setlocale(LC_NUMERIC, nullptr);
-        const std::string saved = current ? current : "C";
-        std::setlocale(LC_NUMERIC, "C");
-        std::fprintf(stream, "%f", value);
-        std::setlocale(LC_NUMERIC, saved.c_str());
+        std::fputs(realText(value, RealForm::Fixed).c_str(), stream);
     });
 }
 
@@ -153,9 +149,7 @@ void PrintKorStringToFile(FILE* stream, const KorString* korString)
 
 void PrintOctetStringToFile(FILE* stream, const unsigned char* bytes, unsigned long length)
 {
-    std::fputc('"', stream);
-    for (unsigned long i = 0; i < length; ++i) std::fprintf(stream, "%02X", bytes[i]);
-    std::fputc('"', stream);
+    std::fprintf(stream, "\"%s\"", hexText(bytes, length).c_str());
 }
 
 void PrintKorTimeBlockToFile(FILE* stream, const char* chars)
@@ -172,7 +166,9 @@ void PrintKorEnumToFile(FILE* stream, const korAttribDef* attribDef)
 
 namespace {
 // The value forms the two printers share; `verbose` adds the hexadecimal
-// echoes of the diagnostic dump.
+// echoes of the diagnostic dump. Numbers, reals and octets are the library's
+// one text of a value (korValueText); a byte, a type-4 value, strings and
+// date-times keep the dump's own forms, as hosts' logs show them.
 void printValue(FILE* stream, const KorValue& v, bool decoded, bool verbose)
 {
     if (!decoded) {
@@ -184,16 +180,12 @@ void printValue(FILE* stream, const KorValue& v, bool decoded, bool verbose)
         std::fprintf(stream, "0x%02X", static_cast<unsigned>(v.number));
         break;
     case KOR_USHORT:
-        if (verbose)
-            std::fprintf(stream, "%d (0x%04X)", static_cast<int>(v.number), static_cast<unsigned>(v.number));
-        else
-            std::fprintf(stream, "%d", static_cast<int>(v.number));
+        std::fputs(korValueText(v, RealForm::Fixed).c_str(), stream);
+        if (verbose) std::fprintf(stream, " (0x%04X)", static_cast<unsigned>(v.number));
         break;
     case KOR_ULONG:
-        if (verbose)
-            std::fprintf(stream, "%lu (0x%08X)", static_cast<unsigned long>(v.number), static_cast<unsigned>(v.number));
-        else
-            std::fprintf(stream, "%lu", static_cast<unsigned long>(v.number));
+        std::fputs(korValueText(v, RealForm::Fixed).c_str(), stream);
+        if (verbose) std::fprintf(stream, " (0x%08X)", static_cast<unsigned>(v.number));
         break;
     case KOR_UQUAD:
         // Only the first word, as a signed number: hosts' dumps show it so.
@@ -201,7 +193,7 @@ void printValue(FILE* stream, const KorValue& v, bool decoded, bool verbose)
         break;
     case KOR_FLOAT:
     case KOR_DOUBLE:
-        PrintKorFloat(stream, v.real);
+        std::fputs(korValueText(v, RealForm::Fixed).c_str(), stream);
         break;
     case KOR_STRING:
         printWide(stream, v.text);
@@ -214,16 +206,12 @@ void printValue(FILE* stream, const KorValue& v, bool decoded, bool verbose)
         PrintKorTimeBlockToFile(stream, v.bytes.data());
         break;
     case KOR_ULONGLONG:
-        if (verbose)
-            std::fprintf(stream, "%llu (0x%16X)", v.number, static_cast<unsigned>(v.number));
-        else
-            std::fprintf(stream, "%llu", v.number);
+        std::fputs(korValueText(v, RealForm::Fixed).c_str(), stream);
+        if (verbose) std::fprintf(stream, " (0x%16X)", static_cast<unsigned>(v.number));
         break;
     case KOR_LONGLONG:
-        if (verbose)
-            std::fprintf(stream, "%lld (0x%16X)", v.signedNumber, static_cast<unsigned>(v.signedNumber));
-        else
-            std::fprintf(stream, "%lld", v.signedNumber);
+        std::fputs(korValueText(v, RealForm::Fixed).c_str(), stream);
+        if (verbose) std::fprintf(stream, " (0x%16X)", static_cast<unsigned>(v.signedNumber));
         break;
     default:  // wide strings deliberately included
         if (verbose) std::fputs("Unknown attrib value type", stream);

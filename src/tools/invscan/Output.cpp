@@ -7,60 +7,16 @@
 #include <set>
 #include <algorithm>
 
-#include "framework/utils.h"
 #include "invscan/com/Catalogue.h"
 #include "invscan/com/KorTypes.h"
+#include "invscan/com/ValueText.h"
 
 namespace cli {
 
 namespace {
 
-// UTF-8 of a decoded string; code points no encoding can carry become U+FFFD.
-std::string utf8(const std::wstring& text)
-{
-    std::wstring clean(text);
-    for (wchar_t& c : clean) {
-        const auto u = static_cast<uint32_t>(c);
-        if (u > 0x10FFFF || (u >= 0xD800 && u <= 0xDFFF)) c = static_cast<wchar_t>(0xFFFD);
-    }
-    return utils::stringToUTF8(clean);
-}
-
-std::string hexBytes(const unsigned char* p, uint32_t length)
-{
-    static const char digits[] = "0123456789ABCDEF";
-    std::string out;
-    out.reserve(2 * length);
-    for (uint32_t i = 0; i < length; ++i) {
-        out.push_back(digits[p[i] >> 4]);
-        out.push_back(digits[p[i] & 0x0F]);
-    }
-    return out;
-}
-
-std::string formatReal(double value)
-{
-    char buffer[64];
-    std::snprintf(buffer, sizeof buffer, "%.6g", value);
-    return buffer;
-}
-
-// A decoded value as text: strings in UTF-8, octets in hexadecimal, an
-// unconvertible date-time as nothing.
-std::string plainText(const KorValue& value)
-{
-    switch (value.type) {
-    case KOR_LONGLONG: return std::to_string(value.signedNumber);
-    case KOR_FLOAT:
-    case KOR_DOUBLE: return formatReal(value.real);
-    case KOR_STRING:
-    case KOR_WIDESTRING: return utf8(value.text);
-    case KOR_OCTETSTRING: return hexBytes(reinterpret_cast<const unsigned char*>(value.bytes.data()),
-                                          static_cast<uint32_t>(value.bytes.size()));
-    case KOR_DATETIME: return value.bytes[0] == '\0' ? std::string() : value.bytes;
-    default: return std::to_string(value.number);
-    }
-}
+// The command line's plain text of a value: reals with six digits.
+std::string plainText(const KorValue& value) { return korValueText(value, RealForm::Short); }
 
 std::string valueText(const KorTable& table, const KorValue& value)
 {
