@@ -22,6 +22,7 @@
 #include "invscan/com/Catalogue.h"
 #include "invscan/com/GroupFactory.h"
 #include "invscan/com/GroupRegistry.h"
+#include "support/Guarded.h"
 #include "support/TableReader.h"
 #include "support/TempDir.h"
 
@@ -122,38 +123,26 @@ TEST(LocalHostId, TakesHostidThenMachineIdThenAMacAndNeverTheNetwork)
 // then the ComponentID table.
 std::string scanUnderUnresolvableName(bool& renamed)
 {
-    int fds[2];
-    if (pipe(fds) != 0) return "no pipe";
-    const pid_t pid = fork();
-    if (pid == 0) {
-        close(fds[0]);
-        const char name[] = "invscan-no-such-host.invalid";
-        const bool own = unshare(CLONE_NEWUTS) == 0 && sethostname(name, sizeof name - 1) == 0;
-        g_lookUps = 0;
-        std::string component;
-        GroupFactory* factory = GroupFactory::getInstance();
-        factory->startScan();
-        for (const korGroupDef* g = GROUPS_DEF; g->id != KOR_END; ++g) {
-            if (!findGroupClass(g->id)) continue;
-            std::unique_ptr<KorGroup> group(factory->getKORGroup(g->id));
-            std::unique_ptr<KorTable> table(group ? group->getTable() : nullptr);
-            if (table && g->id == 1) component = tableText(*table);
-        }
-        factory->endScan();
-        const std::string report = std::string(own ? "renamed " : "as is ") + std::to_string(g_lookUps.load()) +
-                                   "\n" + component;
-        const ssize_t written = write(fds[1], report.data(), report.size());
-        _exit(written == static_cast<ssize_t>(report.size()) ? 0 : 1);
-    }
-    close(fds[1]);
-    std::string report;
-    char buffer[4096];
-    for (ssize_t got; (got = read(fds[0], buffer, sizeof buffer)) > 0;) report.append(buffer, static_cast<size_t>(got));
-    close(fds[0]);
-    int status = 0;
-    waitpid(pid, &status, 0);
-    renamed = report.rfind("renamed ", 0) == 0;
-    return report;
+    const testsupport::ChildText child = testsupport::textFromChild(
+        [] {
+            const char name[] = "invscan-no-such-host.invalid";
+            const bool own = unshare(CLONE_NEWUTS) == 0 && sethostname(name, sizeof name - 1) == 0;
+            g_lookUps = 0;
+            std::string component;
+            GroupFactory* factory = GroupFactory::getInstance();
+            factory->startScan();
+            for (const korGroupDef* g = GROUPS_DEF; g->id != KOR_END; ++g) {
+                if (!findGroupClass(g->id)) continue;
+                std::unique_ptr<KorGroup> group(factory->getKORGroup(g->id));
+                std::unique_ptr<KorTable> table(group ? group->getTable() : nullptr);
+                if (table && g->id == 1) component = tableText(*table);
+            }
+            factory->endScan();
+            return std::string(own ? "renamed " : "as is ") + std::to_string(g_lookUps.load()) + "\n" + component;
+        },
+        false);
+    renamed = child.text.rfind("renamed ", 0) == 0;
+    return child.text;
 }
 
 TEST(LocalHostId, AScanUnderAHostNameThatResolvesNowhereLooksNothingUp)

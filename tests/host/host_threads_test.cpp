@@ -27,6 +27,7 @@
 #include "common/vartree/vtexec.h"
 #include "framework/NimCfg.h"
 #include "invscan/com/GroupFactory.h"
+#include "support/Guarded.h"
 #include "support/Machine.h"
 #include "support/MachineScan.h"
 #include "support/TableReader.h"
@@ -134,31 +135,18 @@ std::string raceOnMachine(const std::string& dir, std::string& figures)
     return problems;
 }
 
-// Runs in a child process: its problems, then its figures on the last line.
+// Runs in a child process: its problems, and its figures.
 std::pair<std::string, std::string> raceInChild(const std::string& dir)
 {
-    int fds[2];
-    if (pipe(fds) != 0) return {"no pipe", ""};
-    std::fflush(nullptr);
-    const pid_t pid = fork();
-    if (pid == 0) {
-        close(fds[0]);
+    const testsupport::ChildText child = testsupport::textFromChild([&dir] {
         std::string figures;
-        const std::string report = raceOnMachine(dir, figures) + "\n" + figures;
-        const ssize_t written = write(fds[1], report.data(), report.size());
-        _exit(written == static_cast<ssize_t>(report.size()) ? 0 : 1);
-    }
-    close(fds[1]);
-    std::string report;
-    char buffer[4096];
-    for (ssize_t got; (got = read(fds[0], buffer, sizeof buffer)) > 0;) report.append(buffer, static_cast<size_t>(got));
-    close(fds[0]);
-    int status = 0;
-    waitpid(pid, &status, 0);
-    if (!WIFEXITED(status) || WEXITSTATUS(status) != 0)
-        return {"the scanning process ended with status " + std::to_string(status) + "\n" + report, ""};
-    const size_t cut = report.rfind('\n');
-    return {report.substr(0, cut), report.substr(cut + 1)};
+        const std::string problems = raceOnMachine(dir, figures);
+        return problems + "\n" + figures;
+    });
+    if (!child.ended)
+        return {"the scanning process ended with status " + std::to_string(child.status) + "\n" + child.text, ""};
+    const size_t cut = child.text.rfind('\n');
+    return {child.text.substr(0, cut), child.text.substr(cut + 1)};
 }
 
 // Storage and SAN disks, zones and pools, and a workstation with most groups.

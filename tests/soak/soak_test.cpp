@@ -24,6 +24,7 @@
 #include "common/vartree/vtexec.h"
 #include "framework/NimCfg.h"
 #include "invscan/com/GroupFactory.h"
+#include "support/Guarded.h"
 #include "support/Machine.h"
 #include "support/TempDir.h"
 
@@ -144,46 +145,33 @@ std::string soak(int n, std::string& figures, FakeSystem* machine)
 }
 
 // Runs the soak in a child process of its own, as the probes' trees are kept
-// for the life of a process: its problems, then its figures, one line each.
+// for the life of a process: its problems, and its figures.
 std::pair<std::string, std::string> soakInChild(const std::string& machineDirectory)
 {
-    int fds[2];
-    if (pipe(fds) != 0) return {"no pipe", ""};
-    std::fflush(nullptr);
-    const pid_t pid = fork();
-    if (pid == 0) {
-        close(fds[0]);
-        std::string problems, figures;
-        FakeSystem machine;
-        if (machineDirectory.empty()) {
-            problems = soak(scanCount(), figures, nullptr);
-        } else {
-            std::string error;
-            if (!loadMachine(machineDirectory, machine, error)) {
-                problems = "cannot load: " + error;
+    const testsupport::ChildText child = testsupport::textFromChild(
+        [&machineDirectory] {
+            std::string problems, figures;
+            FakeSystem machine;
+            if (machineDirectory.empty()) {
+                problems = soak(scanCount(), figures, nullptr);
             } else {
-                ScopedSystem scope(machine);
-                vtSetProbeTap(&machine);
-                NimCfg::setKey(String("config_dir"), String(machineDirectory + "/config"));
-                problems = soak(scanCount(), figures, &machine);
-                vtSetProbeTap(nullptr);
+                std::string error;
+                if (!loadMachine(machineDirectory, machine, error)) {
+                    problems = "cannot load: " + error;
+                } else {
+                    ScopedSystem scope(machine);
+                    vtSetProbeTap(&machine);
+                    NimCfg::setKey(String("config_dir"), String(machineDirectory + "/config"));
+                    problems = soak(scanCount(), figures, &machine);
+                    vtSetProbeTap(nullptr);
+                }
             }
-        }
-        const std::string report = problems + "\n" + figures + "\n";
-        const ssize_t written = write(fds[1], report.data(), report.size());
-        _exit(written == static_cast<ssize_t>(report.size()) ? 0 : 1);
-    }
-    close(fds[1]);
-    std::string report;
-    char buffer[4096];
-    for (ssize_t got; (got = read(fds[0], buffer, sizeof buffer)) > 0;) report.append(buffer, static_cast<size_t>(got));
-    close(fds[0]);
-    int status = 0;
-    waitpid(pid, &status, 0);
-    if (!WIFEXITED(status) || WEXITSTATUS(status) != 0)
-        return {"the soak's process ended with status " + std::to_string(status), ""};
-    const size_t cut = report.find('\n');
-    return {report.substr(0, cut), report.substr(cut + 1, report.size() - cut - 2)};
+            return problems + "\n" + figures;
+        },
+        false);
+    if (!child.ended) return {"the soak's process ended with status " + std::to_string(child.status), ""};
+    const size_t cut = child.text.find('\n');
+    return {child.text.substr(0, cut), child.text.substr(cut + 1)};
 }
 
 TEST(Soak, ScanAfterScanOnThisMachineLeavesNothingBehind)
