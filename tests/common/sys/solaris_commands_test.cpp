@@ -63,14 +63,14 @@ TEST(SolarisCommands, BuiltCommandsAreFoundAgainAndOnlyWordsFillThem)
 TEST(SolarisCommands, SolarisOnlyProgramsInShellLines)
 {
     const struct {
-        const char* line;
+        std::string line;
         const char* program;
     } cases[] = {
         {"/usr/bin/iostat -En -x", "iostat"},
         {"LANG=C TZ=UTC zoneadm list 2>/dev/null", "zoneadm"},
         {"ls -la /dev/ | grep disk; prtconf -v", "prtconf"},
         {"echo x && ifconfig -a", "ifconfig"},
-        {processZone(7).c_str(), ""},  // ps and sed are Linux's too
+        {processZone(7), ""},  // ps and sed are Linux's too
         {"/usr/bin/ps -ef", ""},
         {"grep zonename /etc/passwd", ""},  // a Solaris name as an argument runs nothing
     };
