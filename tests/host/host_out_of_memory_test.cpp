@@ -57,12 +57,8 @@ using namespace testsupport;
 // how many failures were tried.
 std::string failEachAllocation(const std::string& dir, int& tried)
 {
-    FakeSystem machine;
-    std::string error;
-    if (!loadMachine(dir, machine, error)) return "cannot load: " + error;
-    ScopedSystem scope(machine);
-    vtSetProbeTap(&machine);
-    NimCfg::setKey(String("config_dir"), String(dir + "/config"));
+    MachineInUse machine(dir);
+    if (!machine.error().empty()) return "cannot load: " + machine.error();
     GroupFactory* factory = GroupFactory::getInstance();
     factory->initialise();
     factory->loadNodeFromFile(factory->getHWConfigFile(), 0);
@@ -99,7 +95,6 @@ std::string failEachAllocation(const std::string& dir, int& tried)
                 problems += std::string(g->name) + ": allocation " + std::to_string(k) + " gave null, traced nothing\n";
         }
     }
-    vtSetProbeTap(nullptr);
     return problems;
 }
 

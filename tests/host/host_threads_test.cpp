@@ -83,12 +83,8 @@ std::string scanOnce()
 // (empty when nothing did), and the figures.
 std::string raceOnMachine(const std::string& dir, std::string& figures)
 {
-    FakeSystem machine;
-    std::string error;
-    if (!loadMachine(dir, machine, error)) return "cannot load: " + error;
-    ScopedSystem scope(machine);
-    vtSetProbeTap(&machine);
-    NimCfg::setKey(String("config_dir"), String(dir + "/config"));
+    MachineInUse machine(dir);
+    if (!machine.error().empty()) return "cannot load: " + machine.error();
 
     const int n = scansEach();
     // Each thread's distinct tables, with how often it got each.
@@ -112,7 +108,6 @@ std::string raceOnMachine(const std::string& dir, std::string& figures)
     const std::time_t ended = std::time(nullptr);
 
     const std::string alone = scanOnce();
-    vtSetProbeTap(nullptr);
     std::string problems;
     int differing = 0;
     for (int t = 0; t < kThreads; ++t)
@@ -128,7 +123,7 @@ std::string raceOnMachine(const std::string& dir, std::string& figures)
     for (const auto& group : sectionsOf(alone))
         if ((group.second == "no table\n") != (expectedSection(dir, group.first) == "no table\n"))
             problems += "one thread's scan has not the machine's " + group.first + ":\n" + group.second;
-    for (const auto& probe : machine.probeRuns)
+    for (const auto& probe : machine.system().probeRuns)
         if (probe.second != 1) problems += "probe " + probe.first + " ran " + std::to_string(probe.second) + " times\n";
     figures = std::to_string(kThreads) + " threads x " + std::to_string(n) + " scans in " +
               std::to_string(ended - started) + " s, " + std::to_string(alone.size()) + " bytes of tables each";

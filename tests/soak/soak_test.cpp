@@ -151,20 +151,12 @@ std::pair<std::string, std::string> soakInChild(const std::string& machineDirect
     const testsupport::ChildText child = testsupport::textFromChild(
         [&machineDirectory] {
             std::string problems, figures;
-            FakeSystem machine;
             if (machineDirectory.empty()) {
                 problems = soak(scanCount(), figures, nullptr);
             } else {
-                std::string error;
-                if (!loadMachine(machineDirectory, machine, error)) {
-                    problems = "cannot load: " + error;
-                } else {
-                    ScopedSystem scope(machine);
-                    vtSetProbeTap(&machine);
-                    NimCfg::setKey(String("config_dir"), String(machineDirectory + "/config"));
-                    problems = soak(scanCount(), figures, &machine);
-                    vtSetProbeTap(nullptr);
-                }
+                MachineInUse machine(machineDirectory);
+                problems = machine.error().empty() ? soak(scanCount(), figures, &machine.system())
+                                                   : "cannot load: " + machine.error();
             }
             return problems + "\n" + figures;
         },

@@ -5,6 +5,9 @@
 
 #include <algorithm>
 
+#include "common/vartree/vtexec.h"
+#include "framework/NimCfg.h"
+
 namespace testsupport {
 
 std::string machineDir(const std::string& name) { return std::string(INVSCAN_SOURCE_DIR) + "/tests/machines/" + name; }
@@ -28,6 +31,24 @@ std::string machineTestName(const ::testing::TestParamInfo<std::string>& param)
     std::string name = param.param;
     std::replace(name.begin(), name.end(), '-', '_');
     return name;
+}
+
+MachineInUse::MachineInUse(const std::string& dir)
+{
+    if (!loadMachine(dir, m_machine, m_error)) {
+        if (m_error.empty()) m_error = "cannot load " + dir;
+        return;
+    }
+    sys::setCurrent(&m_machine);
+    vtSetProbeTap(&m_machine);
+    NimCfg::setKey(String("config_dir"), String(dir + "/config"));
+}
+
+MachineInUse::~MachineInUse()
+{
+    if (!m_error.empty()) return;
+    vtSetProbeTap(nullptr);
+    sys::setCurrent(nullptr);
 }
 
 }  // namespace testsupport
