@@ -10,7 +10,7 @@
 
 #include "invscan/com/GroupRegistry.h"
 #include "invscan/com/KorTable.h"
-#include "invscan/solaris/NetworkGroups.h"
+#include "invscan/solaris/network/NetworkGroups.h"
 #include "support/FakeSystem.h"
 
 namespace {

@@ -11,7 +11,7 @@
 #include <string>
 
 #include "invscan/com/KorTable.h"
-#include "invscan/solaris/StorageGroup.h"
+#include "invscan/solaris/storage/StorageGroup.h"
 #include "support/Disks.h"
 #include "support/FakeSystem.h"
 #include "support/TempDir.h"

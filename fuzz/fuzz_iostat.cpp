@@ -5,7 +5,7 @@
 
 #include "common/sys/System.h"
 #include "invscan/com/KorTable.h"
-#include "invscan/solaris/StorageGroup.h"
+#include "invscan/solaris/storage/StorageGroup.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {

@@ -15,12 +15,12 @@
 #include "framework/RunLog.h"
 #include "invscan/com/CatalogueIds.h"
 #include "invscan/com/KorTable.h"
-#include "invscan/solaris/KeyboardGroup.h"
-#include "invscan/solaris/NetworkFacts.h"
-#include "invscan/solaris/NetworkGroups.h"
-#include "invscan/solaris/PCIDeviceGroup.h"
-#include "invscan/solaris/PartitionGroup.h"
-#include "invscan/solaris/SystemGroups.h"
+#include "invscan/solaris/system/KeyboardGroup.h"
+#include "invscan/solaris/network/NetworkFacts.h"
+#include "invscan/solaris/network/NetworkGroups.h"
+#include "invscan/solaris/system/PCIDeviceGroup.h"
+#include "invscan/solaris/storage/PartitionGroup.h"
+#include "invscan/solaris/system/SystemGroups.h"
 
 extern "C" int LLVMFuzzerInitialize(int*, char***)
 {

@@ -12,9 +12,9 @@
 #include "FuzzedAnswers.h"
 #include "invscan/com/CatalogueIds.h"
 #include "invscan/com/KorTable.h"
-#include "invscan/solaris/NetworkFacts.h"
-#include "invscan/solaris/NetworkGroups.h"
-#include "invscan/solaris/PCIDeviceGroup.h"
+#include "invscan/solaris/network/NetworkFacts.h"
+#include "invscan/solaris/network/NetworkGroups.h"
+#include "invscan/solaris/system/PCIDeviceGroup.h"
 
 using fuzzed::lines;
 

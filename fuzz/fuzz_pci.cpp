@@ -8,7 +8,7 @@
 #include "FuzzedAnswers.h"
 #include "invscan/com/CatalogueIds.h"
 #include "invscan/com/KorTable.h"
-#include "invscan/solaris/PCIDeviceGroup.h"
+#include "invscan/solaris/system/PCIDeviceGroup.h"
 
 // Input: a byte, then the prtconf output, a NUL byte and the database.
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)

@@ -10,7 +10,7 @@
 
 #include "common/replay/SimulatedSystem.h"
 #include "invscan/com/KorTable.h"
-#include "invscan/solaris/StorageGroup.h"
+#include "invscan/solaris/storage/StorageGroup.h"
 
 namespace {
 

@@ -12,10 +12,10 @@
 #include "FuzzedAnswers.h"
 #include "invscan/com/CatalogueIds.h"
 #include "invscan/com/KorTable.h"
-#include "invscan/solaris/KeyboardGroup.h"
-#include "invscan/solaris/PartitionGroup.h"
-#include "invscan/solaris/SystemFacts.h"
-#include "invscan/solaris/SystemGroups.h"
+#include "invscan/solaris/system/KeyboardGroup.h"
+#include "invscan/solaris/storage/PartitionGroup.h"
+#include "invscan/solaris/system/SystemFacts.h"
+#include "invscan/solaris/system/SystemGroups.h"
 
 using fuzzed::lines;
 

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "common/replay/MachineFile.h"
-#include "invscan/solaris/Zone.h"
+#include "invscan/solaris/virtualization/Zone.h"
 
 namespace {
 

@@ -15,7 +15,7 @@
 #include "framework/Trace.h"
 #include "invscan/com/GroupFactory.h"
 #include "invscan/com/GroupRegistry.h"
-#include "invscan/solaris/Zone.h"
+#include "invscan/solaris/virtualization/Zone.h"
 #include "support/Machine.h"
 #include "support/TableReader.h"
 #include "support/TempDir.h"

@@ -11,7 +11,7 @@
 #include "common/sys/LinuxDisks.h"
 #include "common/sys/System.h"
 #include "invscan/com/KorTable.h"
-#include "invscan/solaris/StorageGroup.h"
+#include "invscan/solaris/storage/StorageGroup.h"
 #include "support/TableReader.h"
 #include "support/TempDir.h"
 

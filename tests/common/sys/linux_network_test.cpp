@@ -6,7 +6,7 @@
 #include <unistd.h>
 
 #include "common/sys/LinuxNetwork.h"
-#include "invscan/solaris/NetworkFacts.h"
+#include "invscan/solaris/network/NetworkFacts.h"
 #include "support/TempDir.h"
 
 namespace {

@@ -10,7 +10,7 @@
 #include <sstream>
 
 #include "common/sys/System.h"
-#include "invscan/solaris/MemoryGroup.h"
+#include "invscan/solaris/system/MemoryGroup.h"
 #include "support/TempDir.h"
 
 namespace {

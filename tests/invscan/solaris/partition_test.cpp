@@ -12,7 +12,7 @@
 #include "common/sys/System.h"
 #include "common/util/SystemFile.h"
 #include "invscan/com/CatalogueIds.h"
-#include "invscan/solaris/PartitionGroup.h"
+#include "invscan/solaris/storage/PartitionGroup.h"
 #include "support/Fixtures.h"
 
 namespace {

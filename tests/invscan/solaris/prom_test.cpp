@@ -6,7 +6,7 @@
 #include <memory>
 
 #include "framework/Trace.h"
-#include "invscan/solaris/ProcessorGroup.h"
+#include "invscan/solaris/processor/ProcessorGroup.h"
 #include "support/FakeSystem.h"
 
 namespace {

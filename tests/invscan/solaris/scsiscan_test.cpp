@@ -5,7 +5,7 @@
 #include <cstring>
 
 #include "framework/Trace.h"
-#include "invscan/solaris/scsiscan.h"
+#include "invscan/solaris/storage/scsiscan.h"
 #include "support/Disks.h"
 
 namespace {

@@ -9,7 +9,7 @@
 #include "invscan/com/CatalogueIds.h"
 #include "common/sys/System.h"
 #include "invscan/com/KorTable.h"
-#include "invscan/solaris/StorageGroup.h"
+#include "invscan/solaris/storage/StorageGroup.h"
 #include "support/Fixtures.h"
 #include "support/TableReader.h"
 #include "support/TempDir.h"

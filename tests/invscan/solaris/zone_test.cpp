@@ -9,7 +9,7 @@
 
 #include "framework/Trace.h"
 #include "invscan/com/GroupFactory.h"
-#include "invscan/solaris/Zone.h"
+#include "invscan/solaris/virtualization/Zone.h"
 #include "support/FakeSystem.h"
 #include "support/TableReader.h"
 #include "support/TempDir.h"

@@ -1,4 +1,4 @@
-#include "invscan/solaris/PartitionGroup.h"
+#include "invscan/solaris/storage/PartitionGroup.h"
 
 #include <fcntl.h>
 
@@ -13,7 +13,7 @@
 #include "framework/Trace.h"
 #include "invscan/com/CatalogueIds.h"
 #include "invscan/com/GroupRegistry.h"
-#include "invscan/solaris/SystemFacts.h"
+#include "invscan/solaris/system/SystemFacts.h"
 #include "common/util/ApiGuard.h"
 
 namespace {

@@ -1,4 +1,4 @@
-#include "invscan/solaris/ProcessorGroup.h"
+#include "invscan/solaris/processor/ProcessorGroup.h"
 
 #include <unistd.h>
 

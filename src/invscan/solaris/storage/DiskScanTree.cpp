@@ -1,4 +1,4 @@
-#include "invscan/solaris/DiskScanTree.h"
+#include "invscan/solaris/storage/DiskScanTree.h"
 
 #include "framework/Trace.h"
 #include "invscan/com/probeVT.h"

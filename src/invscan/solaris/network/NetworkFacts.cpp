@@ -1,4 +1,4 @@
-#include "invscan/solaris/NetworkFacts.h"
+#include "invscan/solaris/network/NetworkFacts.h"
 
 #include <arpa/inet.h>
 #include <fcntl.h>
@@ -18,7 +18,7 @@
 #include "framework/ZPopen.h"
 #include "invscan/com/GroupRegistry.h"
 #include "invscan/com/ScanScoped.h"
-#include "invscan/solaris/SystemFacts.h"
+#include "invscan/solaris/system/SystemFacts.h"
 
 namespace network {
 namespace {

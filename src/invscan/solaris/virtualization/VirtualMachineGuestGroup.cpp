@@ -1,4 +1,4 @@
-#include "invscan/solaris/VirtualMachineGuestGroup.h"
+#include "invscan/solaris/virtualization/VirtualMachineGuestGroup.h"
 
 #include "framework/Trace.h"
 #include "invscan/com/CatalogueIds.h"

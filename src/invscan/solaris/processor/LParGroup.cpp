@@ -1,4 +1,4 @@
-#include "invscan/solaris/LParGroup.h"
+#include "invscan/solaris/processor/LParGroup.h"
 
 #include <cstdlib>
 

@@ -1,4 +1,4 @@
-#include "invscan/solaris/KeyboardGroup.h"
+#include "invscan/solaris/system/KeyboardGroup.h"
 
 #include <cctype>
 #include <cstdlib>
@@ -10,7 +10,7 @@
 #include "framework/ZPopen.h"
 #include "invscan/com/CatalogueIds.h"
 #include "invscan/com/GroupRegistry.h"
-#include "invscan/solaris/SystemFacts.h"
+#include "invscan/solaris/system/SystemFacts.h"
 #include "common/util/ApiGuard.h"
 
 using systemfacts::trimmed;

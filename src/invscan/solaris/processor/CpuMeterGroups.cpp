@@ -1,4 +1,4 @@
-#include "invscan/solaris/CpuMeterGroups.h"
+#include "invscan/solaris/processor/CpuMeterGroups.h"
 
 #include <cstdio>
 #include <cstring>

@@ -1,4 +1,4 @@
-#include "invscan/solaris/SystemFacts.h"
+#include "invscan/solaris/system/SystemFacts.h"
 
 #include <cstdlib>
 #include <cwchar>

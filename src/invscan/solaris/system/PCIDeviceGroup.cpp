@@ -1,4 +1,4 @@
-#include "invscan/solaris/PCIDeviceGroup.h"
+#include "invscan/solaris/system/PCIDeviceGroup.h"
 
 #include <charconv>
 #include <cstdio>
@@ -12,7 +12,7 @@
 #include "framework/ZPopen.h"
 #include "invscan/com/CatalogueIds.h"
 #include "invscan/com/GroupRegistry.h"
-#include "invscan/solaris/SystemFacts.h"
+#include "invscan/solaris/system/SystemFacts.h"
 #include "common/util/ApiGuard.h"
 
 using systemfacts::trimmed;

@@ -1,4 +1,4 @@
-#include "invscan/solaris/PhysicalProcessorGroup.h"
+#include "invscan/solaris/processor/PhysicalProcessorGroup.h"
 
 #include <unistd.h>
 
@@ -11,8 +11,8 @@
 #include "invscan/com/GroupRegistry.h"
 #include "invscan/com/md5.h"
 #include "invscan/com/probeVT.h"
-#include "invscan/solaris/ProcessorGroup.h"
-#include "invscan/solaris/SystemFacts.h"
+#include "invscan/solaris/processor/ProcessorGroup.h"
+#include "invscan/solaris/system/SystemFacts.h"
 #include "common/util/ApiGuard.h"
 
 namespace {

@@ -1,4 +1,4 @@
-#include "invscan/solaris/StorageGroup.h"
+#include "invscan/solaris/storage/StorageGroup.h"
 
 #include <fcntl.h>
 
@@ -23,9 +23,9 @@
 #include "invscan/com/GroupRegistry.h"
 #include "invscan/com/KorTable.h"
 #include "invscan/com/md5.h"
-#include "invscan/solaris/ComponentIDGroup.h"
-#include "invscan/solaris/DiskScanTree.h"
-#include "invscan/solaris/scsiscan.h"
+#include "invscan/solaris/system/ComponentIDGroup.h"
+#include "invscan/solaris/storage/DiskScanTree.h"
+#include "invscan/solaris/storage/scsiscan.h"
 #include "common/util/ApiGuard.h"
 
 namespace {

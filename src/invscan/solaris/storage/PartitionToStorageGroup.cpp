@@ -1,10 +1,10 @@
-#include "invscan/solaris/PartitionToStorageGroup.h"
+#include "invscan/solaris/storage/PartitionToStorageGroup.h"
 
 #include "framework/Trace.h"
 #include "invscan/com/CatalogueIds.h"
 #include "invscan/com/GroupRegistry.h"
 #include "invscan/com/KorTable.h"
-#include "invscan/solaris/DiskScanTree.h"
+#include "invscan/solaris/storage/DiskScanTree.h"
 #include "common/util/ApiGuard.h"
 
 namespace {

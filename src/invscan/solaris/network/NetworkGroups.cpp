@@ -1,4 +1,4 @@
-#include "invscan/solaris/NetworkGroups.h"
+#include "invscan/solaris/network/NetworkGroups.h"
 
 #include <cstdlib>
 #include <exception>
@@ -12,9 +12,9 @@
 #include "invscan/com/GroupRegistry.h"
 #include "invscan/com/KorTable.h"
 #include "invscan/com/md5.h"
-#include "invscan/solaris/NetworkFacts.h"
-#include "invscan/solaris/PCIDeviceGroup.h"
-#include "invscan/solaris/SystemFacts.h"
+#include "invscan/solaris/network/NetworkFacts.h"
+#include "invscan/solaris/system/PCIDeviceGroup.h"
+#include "invscan/solaris/system/SystemFacts.h"
 #include "common/util/ApiGuard.h"
 
 using network::Interface;

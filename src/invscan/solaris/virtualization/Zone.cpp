@@ -1,4 +1,4 @@
-#include "invscan/solaris/Zone.h"
+#include "invscan/solaris/virtualization/Zone.h"
 
 #include <dlfcn.h>
 

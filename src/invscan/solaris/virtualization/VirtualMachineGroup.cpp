@@ -1,4 +1,4 @@
-#include "invscan/solaris/VirtualMachineGroup.h"
+#include "invscan/solaris/virtualization/VirtualMachineGroup.h"
 
 #include "framework/Trace.h"
 #include "invscan/com/CatalogueIds.h"

@@ -1,4 +1,4 @@
-#include "invscan/solaris/ComponentIDGroup.h"
+#include "invscan/solaris/system/ComponentIDGroup.h"
 
 #include <fcntl.h>
 
@@ -14,7 +14,7 @@
 #include "invscan/com/CatalogueIds.h"
 #include "invscan/com/GroupRegistry.h"
 #include "invscan/com/KorTable.h"
-#include "invscan/solaris/ProcessorGroup.h"
+#include "invscan/solaris/processor/ProcessorGroup.h"
 #include "common/util/ApiGuard.h"
 
 namespace {

@@ -6,7 +6,7 @@
 
 #include "invscan/com/Export.h"
 #include "invscan/com/KorGroup.h"
-#include "invscan/solaris/Zone.h"
+#include "invscan/solaris/virtualization/Zone.h"
 
 class KorTable;
 struct VtExecInfo;

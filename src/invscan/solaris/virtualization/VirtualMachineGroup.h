@@ -4,7 +4,7 @@
 
 #include "invscan/com/Export.h"
 #include "invscan/com/KorGroup.h"
-#include "invscan/solaris/Zone.h"
+#include "invscan/solaris/virtualization/Zone.h"
 
 class INVSCAN_API VirtualMachineGroup : public KorGroup {
 public:

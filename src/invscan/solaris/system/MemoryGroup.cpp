@@ -1,4 +1,4 @@
-#include "invscan/solaris/MemoryGroup.h"
+#include "invscan/solaris/system/MemoryGroup.h"
 
 #include <unistd.h>
 

@@ -1,4 +1,4 @@
-#include "invscan/solaris/scsiscan.h"
+#include "invscan/solaris/storage/scsiscan.h"
 
 #include <fcntl.h>
 

@@ -1,4 +1,4 @@
-#include "invscan/solaris/SystemGroups.h"
+#include "invscan/solaris/system/SystemGroups.h"
 
 #include <cctype>
 #include <cstdlib>
@@ -16,7 +16,7 @@
 #include "invscan/com/GroupFactory.h"
 #include "invscan/com/GroupRegistry.h"
 #include "invscan/com/probeVT.h"
-#include "invscan/solaris/SystemFacts.h"
+#include "invscan/solaris/system/SystemFacts.h"
 #include "common/util/ApiGuard.h"
 
 using systemfacts::fitted;
