@@ -236,10 +236,334 @@ bool readScsi(std::istream& in)
     return true;
 }
 
+using LineReader = bool (*)(std::istringstream& in, SimulatedSystem& os);
+
+// What each kind of line (its first word) says of the machine; the lines that
+// continue a command's answer are read before these.
+const std::map<std::string, LineReader>& lineReaders()
+{
+    static const std::map<std::string, LineReader> readers = {
+        {"hwconfig",
+         [](std::istringstream& in, SimulatedSystem& os) {
+             os.hasHardwareConfig = true;
+             g_text = &os.hardwareConfig;
+             return true;
+         }},
+        {"dir",
+         [](std::istringstream& in, SimulatedSystem& os) {
+             std::string name;
+             std::getline(in >> std::ws, name);
+             g_entries = &os.directories[name];
+             return !name.empty();
+         }},
+        {"device",
+         [](std::istringstream& in, SimulatedSystem& os) {
+             std::string name;
+             return in >> name && readDevice(name, in, os);
+         }},
+        {"scsi",
+         [](std::istringstream& in, SimulatedSystem& os) {
+             return readScsi(in);
+         }},
+        {"memory",
+         [](std::istringstream& in, SimulatedSystem& os) {
+             std::string name;
+             // "memory PATH ADDRESS HEX": bytes a memory device holds from ADDRESS on.
+             std::string address, hex, bytes;
+             if (!(in >> name >> address >> hex) || !fromHex(hex, bytes)) return false;
+             os.devices[name].memory[std::strtoull(address.c_str(), nullptr, 0)] = bytes;
+             return true;
+         }},
+        {"fails",
+         [](std::istringstream& in, SimulatedSystem& os) {
+             // "fails FACILITY KEY... ERRNO": a call the machine failed.
+             std::vector<std::string> words;
+             for (std::string w; in >> w;) words.push_back(w);
+             if (words.size() < 2 || errnoNumber(words.back()) < 0) return false;
+             std::string key = words[0];
+             for (size_t i = 1; i + 1 < words.size(); ++i) key += " " + words[i];
+             if (words[0] == "mmap" && words.size() == 3) os.devices[words[1]].mapFails = true;
+             os.failures[key] = errnoNumber(words.back());
+             return true;
+         }},
+        {"kstat-snapshot",
+         [](std::istringstream& in, SimulatedSystem& os) {
+             g_snapshot = ++os.kstatSnapshots;
+             return true;
+         }},
+        {"file",
+         [](std::istringstream& in, SimulatedSystem& os) {
+             std::string name;
+             if (!(in >> name)) return false;
+             g_text = &os.files[name];
+             return true;
+         }},
+        {"time",
+         [](std::istringstream& in, SimulatedSystem& os) {
+             // Every line an answer of its own, in order; the first is also the clock's value until then.
+             time_t seconds;
+             if (!(in >> seconds)) return false;
+             if (os.laterTimes.empty()) os.now = seconds;
+             os.laterTimes.push_back(seconds);
+             return true;
+         }},
+        {"statvfs",
+         [](std::istringstream& in, SimulatedSystem& os) {
+             std::string name;
+             // "statvfs MOUNTPOINT FRSIZE BLOCKS FREE AVAIL": what statvfs64 says of it.
+             struct statvfs64 fs{};
+             unsigned long long frsize, blocks, bfree, bavail;
+             if (!(in >> name >> frsize >> blocks >> bfree >> bavail)) return false;
+             fs.f_bsize = fs.f_frsize = static_cast<unsigned long>(frsize);
+             unsigned long long bsize;  // when it is not the fragment size
+             if (in >> bsize) fs.f_bsize = static_cast<unsigned long>(bsize);
+             fs.f_blocks = blocks;
+             fs.f_bfree = bfree;
+             fs.f_bavail = bavail;
+             os.fileSystems[name] = fs;
+             return true;
+         }},
+        {"boot-time",
+         [](std::istringstream& in, SimulatedSystem& os) {
+             long long seconds;
+             if (!(in >> seconds)) return false;
+             os.addBootTime(seconds);
+             return true;
+         }},
+        {"utmpx",
+         [](std::istringstream& in, SimulatedSystem& os) {
+             // "utmpx boot SECONDS" or "utmpx run-level C SECONDS", as init writes them.
+             struct utmpx record{};
+             std::string kind, level;
+             long seconds;
+             if (!(in >> kind)) return false;
+             if (kind == "boot") {
+                 record.ut_type = BOOT_TIME;
+                 std::snprintf(record.ut_line, sizeof record.ut_line, "%s", "system boot");
+             } else if (kind == "run-level" && in >> level) {
+                 record.ut_type = RUN_LVL;
+                 std::snprintf(record.ut_line, sizeof record.ut_line, "run-level %s", level.c_str());
+             } else {
+                 return false;
+             }
+             if (!(in >> seconds)) return false;
+             record.ut_tv.tv_sec = static_cast<decltype(record.ut_tv.tv_sec)>(seconds);
+             os.utmpxRecords.push_back(record);
+             return true;
+         }},
+        {"env",
+         [](std::istringstream& in, SimulatedSystem& os) {
+             std::string name;
+             // Kept for useMachineEnvironment: reading a machine changes nothing
+             // of the process.
+             std::string value;
+             std::getline(in >> name >> std::ws, value);
+             os.environment[name] = value;
+             return !name.empty();
+         }},
+        {"disk",
+         [](std::istringstream& in, SimulatedSystem& os) {
+             std::string name;
+             return in >> name && readDisk(name, in);
+         }},
+        {"rdsk",
+         [](std::istringstream& in, SimulatedSystem& os) {
+             return readRawDiskEntry(in, os);
+         }},
+        {"pid",
+         [](std::istringstream& in, SimulatedSystem& os) {
+             return static_cast<bool>(in >> os.pid);
+         }},
+        {"pset",
+         [](std::istringstream& in, SimulatedSystem& os) {
+             for (processorid_t cpu; in >> cpu;)
+                 if (!believableProcessor(cpu) || os.psetCpus.size() >= kMaxProcessors) return false;
+                 else os.psetCpus.push_back(cpu);
+             return true;
+         }},
+        {"pset-fails",
+         [](std::istringstream& in, SimulatedSystem& os) {
+             return static_cast<bool>(in >> os.psetFailsOnCall);
+         }},
+        {"library",
+         [](std::istringstream& in, SimulatedSystem& os) {
+             std::string path, word;
+             if (!(in >> path)) return false;
+             SimulatedSystem::Library& library = os.libraries[path];
+             if (in >> word && word != "missing") return false;
+             for (std::string symbol; in >> symbol;) library.missing.push_back(symbol);
+             return true;
+         }},
+        {"v12n",
+         [](std::istringstream& in, SimulatedSystem& os) {
+             // "v12n name TEXT", "v12n kz-zonename TEXT", or one of its faults.
+             std::string what, value;
+             std::getline(in >> what >> std::ws, value);
+             SimulatedSystem::V12n& v = os.v12n;
+             const std::map<std::string, bool*> faults = {
+                 {"env-fails", &v.envFails}, {"name-fails", &v.nameFails}, {"kz-fails", &v.kzFails}};
+             if (what == "name" || what == "kz-zonename")
+                 (what == "name" ? v.name : v.kzZoneName) = value;
+             else if (faults.count(what))
+                 *faults.at(what) = true;
+             else
+                 return false;
+             return true;
+         }},
+        {"smbios-system",
+         [](std::istringstream& in, SimulatedSystem& os) {
+             // Manufacturer|Product|Version|Serial: a firmware table with that type 1.
+             std::string fields;
+             std::getline(in >> std::ws, fields);
+             std::vector<std::string> values;
+             std::istringstream split(fields);
+             for (std::string value; std::getline(split, value, '|');) values.push_back(value);
+             const std::string table = smbiosSystem(values) + smbiosStructure(127, std::string(4, '\0'), {});
+             installFirmware(os, smbiosEntryPoint(static_cast<uint16_t>(table.size()), 0xE1000, 2), table, 0xE1000);
+             return true;
+         }},
+        {"prom-property",
+         [](std::istringstream& in, SimulatedSystem& os) {
+             std::string name;
+             std::string value;
+             std::getline(in >> name >> std::ws, value);
+             g_promProperties.emplace_back(name, value);
+             installProm(os, g_promProperties);
+             return true;
+         }},
+        {"pool-fails",
+         [](std::istringstream& in, SimulatedSystem& os) {
+             std::string function;
+             if (!(in >> function)) return false;
+             os.pools.failing.push_back(function);
+             return true;
+         }},
+        {"pool",
+         [](std::istringstream& in, SimulatedSystem& os) {
+             std::string name;
+             SimulatedSystem::PoolResource r;
+             if (!(in >> name >> r.type >> r.name >> r.size)) return false;
+             os.pools.byName[name].push_back(r);
+             return true;
+         }},
+        {"sysconf",
+         [](std::istringstream& in, SimulatedSystem& os) {
+             std::string name;
+             long value;
+             if (!(in >> name >> value) || !sysconfNames().count(name)) return false;
+             const int which = sysconfNames().at(name);
+             if (!os.sysconfValues.count(which)) os.sysconfValues[which] = value;
+             os.laterSysconf[which].push_back(value);
+             return true;
+         }},
+        {"sysinfo",
+         [](std::istringstream& in, SimulatedSystem& os) {
+             std::string name;
+             if (!(in >> name) || !sysinfoNames().count(name)) return false;
+             std::string value;
+             std::getline(in >> std::ws, value);
+             os.sysinfoValues[sysinfoNames().at(name)] = value;
+             return true;
+         }},
+        {"hostid",
+         [](std::istringstream& in, SimulatedSystem& os) {
+             // Written unsigned; a 32-bit long holds the high ones as negatives, as Solaris does.
+             unsigned long value;
+             if (!(in >> value)) return false;
+             os.hostid = static_cast<long>(value);
+             return true;
+         }},
+        {"swap-count",
+         [](std::istringstream& in, SimulatedSystem& os) {
+             return static_cast<bool>(in >> os.swapCount);
+         }},
+        {"swap-list",
+         [](std::istringstream& in, SimulatedSystem& os) {
+             // What SC_LIST returns instead of the devices, and the errno with -1.
+             std::string error;
+             if (!(in >> os.swapListResult)) return false;
+             if (in >> error) {
+                 if (errnoNumber(error) < 0) return false;
+                 os.swapListErrno = errnoNumber(error);
+             }
+             return true;
+         }},
+        {"swap",
+         [](std::istringstream& in, SimulatedSystem& os) {
+             SimulatedSystem::SwapDevice d;
+             if (!(in >> d.path >> d.pages >> d.freePages)) return false;
+             os.swapDevices.push_back(d);
+             return true;
+         }},
+        {"anoninfo",
+         [](std::istringstream& in, SimulatedSystem& os) {
+             unsigned long max, free, resv;
+             if (!(in >> max >> free >> resv)) return false;
+             os.ainfo = {max, free, resv};
+             return true;
+         }},
+        {"anoninfo-fails",
+         [](std::istringstream& in, SimulatedSystem& os) {
+             os.ainfoFails = true;
+             return true;
+         }},
+        {"kstat-fails",
+         [](std::istringstream& in, SimulatedSystem& os) {
+             os.kstatOpenFails = true;
+             return true;
+         }},
+        {"cpu_stat",
+         [](std::istringstream& in, SimulatedSystem& os) {
+             int instance;
+             uint_t idle, user, kernel, wait;
+             if (!(in >> instance >> idle >> user >> kernel >> wait) || !believableProcessor(instance)) return false;
+             os.addCpuStat(instance, idle, user, kernel, wait);
+             os.kstats.back().snapshot = g_snapshot;
+             // Quirks of the record: "size N", "named", "unreadable".
+             for (std::string quirk; in >> quirk;) {
+                 SimulatedSystem::Kstat& k = os.kstats.back();
+                 if (quirk == "size" && in >> k.dataSize) continue;
+                 if (quirk == "named")
+                     k.type = KSTAT_TYPE_NAMED;
+                 else if (quirk == "unreadable")
+                     k.readFails = true;
+                 else
+                     return false;
+             }
+             return true;
+         }},
+        {"loadavg",
+         [](std::istringstream& in, SimulatedSystem& os) {
+             std::array<double, 3> load;
+             if (!(in >> load[0] >> load[1] >> load[2])) return false;
+             if (os.laterLoadavg.empty()) std::copy(load.begin(), load.end(), os.loadavg);
+             os.laterLoadavg.push_back(load);
+             return true;
+         }},
+        {"loadavg-fails",
+         [](std::istringstream& in, SimulatedSystem& os) {
+             os.loadavgFails = true;
+             return true;
+         }},
+        {"online",
+         [](std::istringstream& in, SimulatedSystem& os) {
+             processorid_t cpu;
+             std::string state;
+             if (!(in >> cpu >> state) || !believableProcessor(cpu)) return false;
+             const std::map<std::string, int> states = {
+                 {"on", P_ONLINE}, {"off", P_OFFLINE}, {"noint", P_NOINTR}, {"faulted", P_FAULTED}, {"fails", -1}};
+             if (!states.count(state)) return false;
+             os.processorStates[cpu] = states.at(state);
+             return true;
+         }},
+    };
+    return readers;
+}
+
 bool readLine(const std::string& text, SimulatedSystem& os)
 {
     std::istringstream in(text);
-    std::string facility, name;
+    std::string facility;
     in >> facility;
     if (facility == ">" || text == ">") {
         const std::string line = text.size() > 2 ? text.substr(2) : std::string();
@@ -270,228 +594,8 @@ bool readLine(const std::string& text, SimulatedSystem& os)
     g_text = nullptr;
     g_probeAnswer = false;
     g_entries = nullptr;
-    if (facility == "hwconfig") {
-        os.hasHardwareConfig = true;
-        g_text = &os.hardwareConfig;
-        return true;
-    }
-    if (facility == "dir") {
-        std::getline(in >> std::ws, name);
-        g_entries = &os.directories[name];
-        return !name.empty();
-    }
-    if (facility == "device") return in >> name && readDevice(name, in, os);
-    if (facility == "scsi") return readScsi(in);
-    if (facility == "memory") {
-        // "memory PATH ADDRESS HEX": bytes a memory device holds from ADDRESS on.
-        std::string address, hex, bytes;
-        if (!(in >> name >> address >> hex) || !fromHex(hex, bytes)) return false;
-        os.devices[name].memory[std::strtoull(address.c_str(), nullptr, 0)] = bytes;
-        return true;
-    }
-    if (facility == "fails") {
-        // "fails FACILITY KEY... ERRNO": a call the machine failed.
-        std::vector<std::string> words;
-        for (std::string w; in >> w;) words.push_back(w);
-        if (words.size() < 2 || errnoNumber(words.back()) < 0) return false;
-        std::string key = words[0];
-        for (size_t i = 1; i + 1 < words.size(); ++i) key += " " + words[i];
-        if (words[0] == "mmap" && words.size() == 3) os.devices[words[1]].mapFails = true;
-        os.failures[key] = errnoNumber(words.back());
-        return true;
-    }
-    if (facility == "kstat-snapshot") {
-        g_snapshot = ++os.kstatSnapshots;
-        return true;
-    }
-    if (facility == "file") {
-        if (!(in >> name)) return false;
-        g_text = &os.files[name];
-        return true;
-    }
-    if (facility == "time") {
-        // Every line an answer of its own, in order; the first is also the clock's value until then.
-        time_t seconds;
-        if (!(in >> seconds)) return false;
-        if (os.laterTimes.empty()) os.now = seconds;
-        os.laterTimes.push_back(seconds);
-        return true;
-    }
-    if (facility == "statvfs") {
-        // "statvfs MOUNTPOINT FRSIZE BLOCKS FREE AVAIL": what statvfs64 says of it.
-        struct statvfs64 fs{};
-        unsigned long long frsize, blocks, bfree, bavail;
-        if (!(in >> name >> frsize >> blocks >> bfree >> bavail)) return false;
-        fs.f_bsize = fs.f_frsize = static_cast<unsigned long>(frsize);
-        unsigned long long bsize;  // when it is not the fragment size
-        if (in >> bsize) fs.f_bsize = static_cast<unsigned long>(bsize);
-        fs.f_blocks = blocks;
-        fs.f_bfree = bfree;
-        fs.f_bavail = bavail;
-        os.fileSystems[name] = fs;
-        return true;
-    }
-    if (facility == "boot-time") {
-        long long seconds;
-        if (!(in >> seconds)) return false;
-        os.addBootTime(seconds);
-        return true;
-    }
-    if (facility == "utmpx") {
-        // "utmpx boot SECONDS" or "utmpx run-level C SECONDS", as init writes them.
-        struct utmpx record{};
-        std::string kind, level;
-        long seconds;
-        if (!(in >> kind)) return false;
-        if (kind == "boot") {
-            record.ut_type = BOOT_TIME;
-            std::snprintf(record.ut_line, sizeof record.ut_line, "%s", "system boot");
-        } else if (kind == "run-level" && in >> level) {
-            record.ut_type = RUN_LVL;
-            std::snprintf(record.ut_line, sizeof record.ut_line, "run-level %s", level.c_str());
-        } else {
-            return false;
-        }
-        if (!(in >> seconds)) return false;
-        record.ut_tv.tv_sec = static_cast<decltype(record.ut_tv.tv_sec)>(seconds);
-        os.utmpxRecords.push_back(record);
-        return true;
-    }
-    if (facility == "env") {
-        // Kept for useMachineEnvironment: reading a machine changes nothing
-        // of the process.
-        std::string value;
-        std::getline(in >> name >> std::ws, value);
-        os.environment[name] = value;
-        return !name.empty();
-    } else if (facility == "disk") {
-        return in >> name && readDisk(name, in);
-    } else if (facility == "rdsk") {
-        return readRawDiskEntry(in, os);
-    } else if (facility == "pid") {
-        return static_cast<bool>(in >> os.pid);
-    } else if (facility == "pset") {
-        for (processorid_t cpu; in >> cpu;)
-            if (!believableProcessor(cpu) || os.psetCpus.size() >= kMaxProcessors) return false;
-            else os.psetCpus.push_back(cpu);
-    } else if (facility == "pset-fails") {
-        return static_cast<bool>(in >> os.psetFailsOnCall);
-    } else if (facility == "library") {
-        std::string path, word;
-        if (!(in >> path)) return false;
-        SimulatedSystem::Library& library = os.libraries[path];
-        if (in >> word && word != "missing") return false;
-        for (std::string symbol; in >> symbol;) library.missing.push_back(symbol);
-    } else if (facility == "v12n") {
-        // "v12n name TEXT", "v12n kz-zonename TEXT", or one of its faults.
-        std::string what, value;
-        std::getline(in >> what >> std::ws, value);
-        SimulatedSystem::V12n& v = os.v12n;
-        const std::map<std::string, bool*> faults = {
-            {"env-fails", &v.envFails}, {"name-fails", &v.nameFails}, {"kz-fails", &v.kzFails}};
-        if (what == "name" || what == "kz-zonename")
-            (what == "name" ? v.name : v.kzZoneName) = value;
-        else if (faults.count(what))
-            *faults.at(what) = true;
-        else
-            return false;
-    } else if (facility == "smbios-system") {
-        // Manufacturer|Product|Version|Serial: a firmware table with that type 1.
-        std::string fields;
-        std::getline(in >> std::ws, fields);
-        std::vector<std::string> values;
-        std::istringstream split(fields);
-        for (std::string value; std::getline(split, value, '|');) values.push_back(value);
-        const std::string table = smbiosSystem(values) + smbiosStructure(127, std::string(4, '\0'), {});
-        installFirmware(os, smbiosEntryPoint(static_cast<uint16_t>(table.size()), 0xE1000, 2), table, 0xE1000);
-    } else if (facility == "prom-property") {
-        std::string value;
-        std::getline(in >> name >> std::ws, value);
-        g_promProperties.emplace_back(name, value);
-        installProm(os, g_promProperties);
-    } else if (facility == "pool-fails") {
-        std::string function;
-        if (!(in >> function)) return false;
-        os.pools.failing.push_back(function);
-    } else if (facility == "pool") {
-        SimulatedSystem::PoolResource r;
-        if (!(in >> name >> r.type >> r.name >> r.size)) return false;
-        os.pools.byName[name].push_back(r);
-    } else if (facility == "sysconf") {
-        long value;
-        if (!(in >> name >> value) || !sysconfNames().count(name)) return false;
-        const int which = sysconfNames().at(name);
-        if (!os.sysconfValues.count(which)) os.sysconfValues[which] = value;
-        os.laterSysconf[which].push_back(value);
-    } else if (facility == "sysinfo") {
-        if (!(in >> name) || !sysinfoNames().count(name)) return false;
-        std::string value;
-        std::getline(in >> std::ws, value);
-        os.sysinfoValues[sysinfoNames().at(name)] = value;
-    } else if (facility == "hostid") {
-        // Written unsigned; a 32-bit long holds the high ones as negatives, as Solaris does.
-        unsigned long value;
-        if (!(in >> value)) return false;
-        os.hostid = static_cast<long>(value);
-    } else if (facility == "swap-count") {
-        return static_cast<bool>(in >> os.swapCount);
-    } else if (facility == "swap-list") {
-        // What SC_LIST returns instead of the devices, and the errno with -1.
-        std::string error;
-        if (!(in >> os.swapListResult)) return false;
-        if (in >> error) {
-            if (errnoNumber(error) < 0) return false;
-            os.swapListErrno = errnoNumber(error);
-        }
-    } else if (facility == "swap") {
-        SimulatedSystem::SwapDevice d;
-        if (!(in >> d.path >> d.pages >> d.freePages)) return false;
-        os.swapDevices.push_back(d);
-    } else if (facility == "anoninfo") {
-        unsigned long max, free, resv;
-        if (!(in >> max >> free >> resv)) return false;
-        os.ainfo = {max, free, resv};
-    } else if (facility == "anoninfo-fails") {
-        os.ainfoFails = true;
-    } else if (facility == "kstat-fails") {
-        os.kstatOpenFails = true;
-    } else if (facility == "cpu_stat") {
-        int instance;
-        uint_t idle, user, kernel, wait;
-        if (!(in >> instance >> idle >> user >> kernel >> wait) || !believableProcessor(instance)) return false;
-        os.addCpuStat(instance, idle, user, kernel, wait);
-        os.kstats.back().snapshot = g_snapshot;
-        // Quirks of the record: "size N", "named", "unreadable".
-        for (std::string quirk; in >> quirk;) {
-            SimulatedSystem::Kstat& k = os.kstats.back();
-            if (quirk == "size" && in >> k.dataSize) continue;
-            if (quirk == "named")
-                k.type = KSTAT_TYPE_NAMED;
-            else if (quirk == "unreadable")
-                k.readFails = true;
-            else
-                return false;
-        }
-    } else if (facility == "loadavg") {
-        std::array<double, 3> load;
-        if (!(in >> load[0] >> load[1] >> load[2])) return false;
-        if (os.laterLoadavg.empty()) std::copy(load.begin(), load.end(), os.loadavg);
-        os.laterLoadavg.push_back(load);
-        return true;
-    } else if (facility == "loadavg-fails") {
-        os.loadavgFails = true;
-    } else if (facility == "online") {
-        processorid_t cpu;
-        std::string state;
-        if (!(in >> cpu >> state) || !believableProcessor(cpu)) return false;
-        const std::map<std::string, int> states = {
-            {"on", P_ONLINE}, {"off", P_OFFLINE}, {"noint", P_NOINTR}, {"faulted", P_FAULTED}, {"fails", -1}};
-        if (!states.count(state)) return false;
-        os.processorStates[cpu] = states.at(state);
-    } else {
-        return false;
-    }
-    return true;
+    const auto reader = lineReaders().find(facility);
+    return reader != lineReaders().end() && reader->second(in, os);
 }
 }  // namespace
 
