@@ -604,10 +604,9 @@ void Recorder::record(const std::string& command, const std::string& output, int
     out.status = status;
 }
 
-void Recorder::write(std::ostream& out, Sanitizer* s) const
+// The environment variables the scan reads, and the hardware configuration.
+void Recorder::writeEnvironment(std::ostream& out, Sanitizer* s) const
 {
-    out << kFormatWord << " " << kFormatVersion << "\n";
-    out << "# what a machine answered to one scan" << (s ? " (sanitized)" : "") << "\n";
     // What the scan reads from its environment: the time zone, the locale,
     // and the switch of the tape-backup check. A replay takes these and
     // nothing of its own host's: what is not here was not set.
@@ -628,7 +627,11 @@ void Recorder::write(std::ostream& out, Sanitizer* s) const
         out << "hwconfig\n";
         writeLines(out, m_hardwareConfig);
     }
+}
 
+// sysinfo, the host id, the process id, sysconf figures and swap.
+void Recorder::writeIdentity(std::ostream& out, Sanitizer* s) const
+{
     out << "\n# identity and memory\n";
     for (const auto& v : m_sysinfo) {
         const std::string name = nameOf(sysinfoNames(), v.first);
@@ -646,7 +649,11 @@ void Recorder::write(std::ostream& out, Sanitizer* s) const
         for (size_t i = 0; i < keptAnswers(v.second); ++i)
             out << "sysconf " << nameOf(sysconfNames(), v.first) << " " << v.second[i] << "\n";
     for (const std::string& line : m_swap) out << clean(s, line) << "\n";
+}
 
+// The clock, the login records, load averages, processor sets and states, kernel statistics.
+void Recorder::writeProcessors(std::ostream& out, Sanitizer* s) const
+{
     out << "\n# time, load and processors\n";
     for (size_t i = 0; i < keptAnswers(m_times); ++i) out << "time " << static_cast<long long>(m_times[i]) << "\n";
     for (const std::string& line : m_utmpx) out << line << "\n";
@@ -669,7 +676,11 @@ void Recorder::write(std::ostream& out, Sanitizer* s) const
             out << "\n";
         }
     }
+}
 
+// Folders, files (the PCI id database cut to the lines used), firmware, disks, PROM properties and file systems.
+void Recorder::writeDevices(std::ostream& out, Sanitizer* s) const
+{
     out << "\n# files, directories and devices\n";
     for (const auto& d : m_directories) {
         out << "dir " << clean(s, d.first) << "\n";
@@ -759,6 +770,11 @@ void Recorder::write(std::ostream& out, Sanitizer* s) const
     }
     for (const auto& p : prom) out << "prom-property " << p.first << " " << clean(s, p.second) << "\n";
     for (const auto& f : m_fileSystems) out << "statvfs " << f.first << " " << f.second << "\n";
+}
+
+// The run-time libraries and what libv12n and libpool answered.
+void Recorder::writeLibraries(std::ostream& out, Sanitizer* s) const
+{
     const LibraryAnswers& l = m_libraryAnswers;
     for (const std::string& library : m_libraries) {
         out << "library " << library;
@@ -779,7 +795,11 @@ void Recorder::write(std::ostream& out, Sanitizer* s) const
         for (const PoolResource& r : pool.second)
             out << "pool " << pool.first << " " << (r.type.empty() ? "-" : r.type) << " "
                 << (r.name.empty() ? "-" : r.name) << " " << r.size << "\n";
+}
 
+// Shell lines, commands and probes, each with its output and status.
+void Recorder::writeCommands(std::ostream& out, Sanitizer* s) const
+{
     out << "\n# commands\n";
     auto commands = [&out, s](const char* kind, const std::vector<std::string>& order,
                               const std::map<std::string, Output>& outputs) {
@@ -801,9 +821,26 @@ void Recorder::write(std::ostream& out, Sanitizer* s) const
         writeLines(out, clean(s, p.second.text));
         if (p.second.status != 0) out << "exit " << p.second.status << "\n";
     }
+}
 
+// The calls the machine failed, with their errno.
+void Recorder::writeFailures(std::ostream& out, Sanitizer* s) const
+{
     if (!m_failures.empty()) out << "\n# calls the machine failed\n";
     for (const auto& f : m_failures) out << "fails " << clean(s, f.first) << " " << errnoName(f.second) << "\n";
+}
+
+void Recorder::write(std::ostream& out, Sanitizer* s) const
+{
+    out << kFormatWord << " " << kFormatVersion << "\n";
+    out << "# what a machine answered to one scan" << (s ? " (sanitized)" : "") << "\n";
+    writeEnvironment(out, s);
+    writeIdentity(out, s);
+    writeProcessors(out, s);
+    writeDevices(out, s);
+    writeLibraries(out, s);
+    writeCommands(out, s);
+    writeFailures(out, s);
     out << kEndWord << "\n";
 }
 

@@ -129,6 +129,15 @@ public:
     LibraryAnswers& libraries() { return m_libraryAnswers; }
 
 private:
+    // The capture's parts, in the order write() puts them.
+    void writeEnvironment(std::ostream& out, Sanitizer* s) const;
+    void writeIdentity(std::ostream& out, Sanitizer* s) const;
+    void writeProcessors(std::ostream& out, Sanitizer* s) const;
+    void writeDevices(std::ostream& out, Sanitizer* s) const;
+    void writeLibraries(std::ostream& out, Sanitizer* s) const;
+    void writeCommands(std::ostream& out, Sanitizer* s) const;
+    void writeFailures(std::ostream& out, Sanitizer* s) const;
+
     void fail(const std::string& key, int error) { m_failures.emplace(key, error); }
     Device& deviceOf(int fd);
     int opened(const char* path, int fd);  // notes an open of `path` (fd, or -1 with errno)
