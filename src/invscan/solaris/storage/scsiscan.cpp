@@ -205,25 +205,23 @@ int ScsiQueryCapacity(SCSIinfo* info)
     return data ? ScsiCapacityDecode(data, info) : -1;
 }
 
-int ScsiQueryFormat(SCSIinfo* info)
+namespace {
+// MODE SENSE of one page, its 24-byte area handed to `decode`; -1 when the
+// command fails.
+int queryModePage(SCSIinfo* info, const unsigned char (&command)[6], int (*decode)(void*, SCSIinfo*))
 {
     Exchange x;
-    unsigned char* data = send(info, kFormat, x);
+    unsigned char* data = send(info, command, x);
     if (!data) return -1;
     unsigned char page[kPageArea];
     copyPage(data, page);
-    return ScsiFormatDecode(page, info);
+    return decode(page, info);
 }
+}  // namespace
 
-int ScsiQueryGeometry(SCSIinfo* info)
-{
-    Exchange x;
-    unsigned char* data = send(info, kGeometry, x);
-    if (!data) return -1;
-    unsigned char page[kPageArea];
-    copyPage(data, page);
-    return ScsiGeometryDecode(page, info);
-}
+int ScsiQueryFormat(SCSIinfo* info) { return queryModePage(info, kFormat, ScsiFormatDecode); }
+
+int ScsiQueryGeometry(SCSIinfo* info) { return queryModePage(info, kGeometry, ScsiGeometryDecode); }
 
 int SCSIscan(char* devName, SCSIinfo* info)
 {
