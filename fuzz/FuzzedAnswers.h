@@ -5,6 +5,7 @@
 // capture. Where a reader is reached only through the group that runs the
 // command or reads the file, a simulated machine answers with the texts.
 #include <cerrno>
+#include <clocale>
 #include <cstddef>
 #include <cstdint>
 #include <sstream>
@@ -13,6 +14,13 @@
 
 #include "common/replay/SimulatedSystem.h"
 #include "framework/RunLog.h"
+
+// Texts are cut on character boundaries in the locale hosts mostly run in.
+extern "C" int LLVMFuzzerInitialize(int*, char***)
+{
+    std::setlocale(LC_ALL, "C.UTF-8");
+    return 0;
+}
 
 namespace fuzzed {
 

@@ -3,13 +3,13 @@
 // network facts and tables, Operating System, Keyboard, PCI Device and
 // Partition. fuzz_capture stops at reading; this one also walks what the
 // reader built.
-#include <clocale>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <sstream>
 #include <string>
 
+#include "FuzzedAnswers.h"
 #include "common/replay/MachineFile.h"
 #include "common/replay/SimulatedSystem.h"
 #include "framework/RunLog.h"
@@ -21,12 +21,6 @@
 #include "invscan/solaris/system/PCIDeviceGroup.h"
 #include "invscan/solaris/storage/PartitionGroup.h"
 #include "invscan/solaris/system/SystemGroups.h"
-
-extern "C" int LLVMFuzzerInitialize(int*, char***)
-{
-    std::setlocale(LC_ALL, "C.UTF-8");
-    return 0;
-}
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {

@@ -5,7 +5,6 @@
 // read. One selector gathers the facts whole on a simulated machine
 // answering with the texts: the links are put together from several
 // answers there, inside the gathering.
-#include <clocale>
 #include <cstddef>
 #include <cstdint>
 
@@ -17,13 +16,6 @@
 #include "invscan/solaris/system/PCIDeviceGroup.h"
 
 using fuzzed::lines;
-
-extern "C" int LLVMFuzzerInitialize(int*, char***)
-{
-    // Texts are cut on character boundaries in the locale hosts mostly run in.
-    std::setlocale(LC_ALL, "C.UTF-8");
-    return 0;
-}
 
 // Selectors (the first byte modulo 8), and the texts each reads:
 //   0 ifconfig -a, netstat -rn, resolv.conf   1 netstat -rn, ifconfig -a

@@ -5,7 +5,6 @@
 // mount table (/etc/mnttab); each row is shaped from what they read. The
 // layouts file and the file systems' sizes are read through a simulated
 // machine, as the groups read them.
-#include <clocale>
 #include <cstddef>
 #include <cstdint>
 
@@ -18,13 +17,6 @@
 #include "invscan/solaris/system/SystemGroups.h"
 
 using fuzzed::lines;
-
-extern "C" int LLVMFuzzerInitialize(int*, char***)
-{
-    // Texts are cut on character boundaries in the locale hosts mostly run in.
-    std::setlocale(LC_ALL, "C.UTF-8");
-    return 0;
-}
 
 // Selectors (the first byte modulo 5), and the texts each reads:
 //   0 /etc/release, the kernel version (sysinfo VERSION), the kernel release
