@@ -4,31 +4,12 @@
 #include <set>
 
 #include "invscan/com/KorTable.h"
+#include "invscan/com/RowBuilder.h"
 #include "invscan/com/ValueText.h"
 
 namespace testsupport {
 
 namespace {
-// Attributes a group emits with another type than the catalogue's, on
-// purpose: group id, attribute id, the type it carries.
-struct Deliberate {
-    unsigned long group, attrib;
-    uint32_t type;
-};
-// CpuMeter's tick counters are 64-bit, as the group's hosts read them.
-const Deliberate kDeliberate[] = {{46, 1, KOR_ULONGLONG}, {46, 2, KOR_ULONGLONG}, {46, 3, KOR_ULONGLONG},
-                                  {46, 4, KOR_ULONGLONG}, {46, 5, KOR_ULONGLONG}};
-
-// Zone paths are longer than VirtualMachine's 16-character MountPoint: the
-// row carries the whole path, as the hosts have it.
-bool longerOnPurpose(unsigned long group, unsigned long attrib) { return group == 49 && attrib == 14; }
-
-bool deliberate(unsigned long group, const KorValue& v)
-{
-    for (const Deliberate& d : kDeliberate)
-        if (d.group == group && d.attrib == v.id && d.type == v.type) return true;
-    return false;
-}
 
 std::string attribName(const KorTable& table, unsigned long id)
 {
@@ -103,11 +84,12 @@ std::vector<std::string> catalogueProblems(KorTable& table)
                 problems.push_back(where + "not an attribute of " + group->name);
                 continue;
             }
-            if (def->type != v.type && !deliberate(group->id, v))
+            // The row builder's rules: the catalogue's, and its named departures.
+            if (rowrules::typeOf(group->id, v.id) != v.type)
                 problems.push_back(where + "type " + std::to_string(v.type) + ", catalogue says " +
                                    std::to_string(def->type));
-            if ((v.type == KOR_STRING || v.type == KOR_WIDESTRING) && def->maxLength > 0 &&
-                v.text.size() > def->maxLength && !longerOnPurpose(group->id, v.id))
+            const uint32_t length = rowrules::lengthOf(group->id, v.id);
+            if ((v.type == KOR_STRING || v.type == KOR_WIDESTRING) && length > 0 && v.text.size() > length)
                 problems.push_back(where + std::to_string(v.text.size()) + " characters, longer than " +
                                    std::to_string(def->maxLength));
         }

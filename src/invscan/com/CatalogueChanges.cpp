@@ -42,6 +42,17 @@ const korAttribRef UNBOUNDED_ATTRS_DEF[] = {
     {KOR_END, 0},
 };
 
+// The tick counters are 64-bit, as the group's hosts read them: a 32-bit
+// counter of a long-running machine wraps.
+const korAttribTypeRef WIDER_ATTRS_DEF[] = {
+    {CPU_METER_GROUP, METER_IDLE_TIME, KOR_ULONGLONG},
+    {CPU_METER_GROUP, METER_USER_TIME, KOR_ULONGLONG},
+    {CPU_METER_GROUP, METER_WAIT_TIME, KOR_ULONGLONG},
+    {CPU_METER_GROUP, METER_SYS_TIME, KOR_ULONGLONG},
+    {CPU_METER_GROUP, METER_SYSTEM_UP_TIME, KOR_ULONGLONG},
+    {KOR_END, 0, 0},
+};
+
 namespace {
 bool listed(const korAttribRef* list, unsigned long groupId, unsigned long attribId)
 {
@@ -59,6 +70,13 @@ bool isVolatileAttrib(unsigned long groupId, unsigned long attribId)
 bool isUnboundedAttrib(unsigned long groupId, unsigned long attribId)
 {
     return listed(UNBOUNDED_ATTRS_DEF, groupId, attribId);
+}
+
+uint32_t getCarriedType(unsigned long groupId, unsigned long attribId, uint32_t catalogued)
+{
+    for (const korAttribTypeRef* a = WIDER_ATTRS_DEF; a->groupId != KOR_END; ++a)
+        if (a->groupId == groupId && a->attribId == attribId) return a->type;
+    return catalogued;
 }
 
 unsigned long getIdentityAttribId(unsigned long groupId)

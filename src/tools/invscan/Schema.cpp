@@ -28,7 +28,8 @@ using EnumRefs = std::map<const korEnumDef*, std::string>;
 Json valueSchema(uint32_t groupId, const korAttribDef& a, Json& defs, EnumRefs& enums)
 {
     Json value;
-    switch (a.type) {
+    const uint32_t type = getCarriedType(groupId, a.id, a.type);
+    switch (type) {
     case KOR_UCHAR: value = unsignedUpTo(0xFFu); break;
     case KOR_USHORT: value = unsignedUpTo(0xFFFFu); break;
     case KOR_ULONG: value = unsignedUpTo(0xFFFFFFFFu); break;
@@ -48,8 +49,8 @@ Json valueSchema(uint32_t groupId, const korAttribDef& a, Json& defs, EnumRefs& 
         if (a.maxLength > 0 && !isUnboundedAttrib(groupId, a.id)) value["maxLength"] = a.maxLength;
         break;
     }
-    const bool number = a.type == KOR_UCHAR || a.type == KOR_USHORT || a.type == KOR_ULONG || a.type == KOR_UQUAD ||
-                        a.type == KOR_ULONGLONG;
+    const bool number = type == KOR_UCHAR || type == KOR_USHORT || type == KOR_ULONG || type == KOR_UQUAD ||
+                        type == KOR_ULONGLONG;
     if (a.enumDef && number) {
         std::string& ref = enums[a.enumDef];
         if (ref.empty()) {

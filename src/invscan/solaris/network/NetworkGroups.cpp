@@ -11,6 +11,7 @@
 #include "invscan/com/CatalogueIds.h"
 #include "invscan/com/GroupRegistry.h"
 #include "invscan/com/KorTable.h"
+#include "invscan/com/RowBuilder.h"
 #include "invscan/com/md5.h"
 #include "invscan/solaris/network/NetworkFacts.h"
 #include "invscan/solaris/system/PCIDeviceGroup.h"
@@ -20,18 +21,12 @@
 using network::Interface;
 using network::Link;
 using network::NetworkFacts;
-using systemfacts::fitted;
 
 namespace {
 
 const char* const kSource = "./../../../src/invscan/solaris/NetworkGroups";
 const char* const kFunction = "getTable()";
 #define NETG_TRACE(level, ...) CcLogWrapper::level(getCcLogHw(), __LINE__, kSource, kFunction, __VA_ARGS__)
-
-void addText(KorTableRow& row, unsigned long id, const std::string& value, size_t max)
-{
-    if (!value.empty()) row.addAttrib(new KorTableAttrib(id, fitted(value, max).c_str()));
-}
 
 std::string joined(const std::vector<std::string>& items, const char* separator)
 {
@@ -167,28 +162,28 @@ void shapeAdapterRows(const NetworkFacts& facts, const PciNames& names, KorTable
         // addresses are configured, nor across reboots.
         const std::string idText = (permanent.empty() ? l.name : permanent) + l.driver();
         char* id = md5_checksum(idText.c_str());
-        auto* row = new KorTableRow;
-        row->addAttrib(new KorTableAttrib(NET_INDEX, ++index));
-        if (id) row->addAttrib(new KorTableAttrib(NET_ID, id));
+        RowBuilder row(NETWORK_ADAPTER_GROUP);
+        row.number(NET_INDEX, ++index);
+        if (id) row.text(NET_ID, id);
         std::free(id);
-        addText(*row, NET_PERMANENT_ADDRESS, permanent, 64);
-        addText(*row, NET_CURRENT_ADDRESS, current, 64);
-        row->addAttrib(new KorTableAttrib(NET_TYPE, adapterType(l)));
+        row.textIfAny(NET_PERMANENT_ADDRESS, permanent);
+        row.textIfAny(NET_CURRENT_ADDRESS, current);
+        row.number(NET_TYPE, adapterType(l));
         auto ids = facts.pciIds.find(l.device);
         if (ids != facts.pciIds.end()) {
             auto device = names.devices.find(ids->second);
             auto vendor = names.vendors.find(ids->second.first);
-            if (device != names.devices.end()) addText(*row, NET_MODEL, device->second, 255);
-            if (vendor != names.vendors.end()) addText(*row, NET_MANUFACTURER, vendor->second, 128);
+            if (device != names.devices.end()) row.textIfAny(NET_MODEL, device->second);
+            if (vendor != names.vendors.end()) row.textIfAny(NET_MANUFACTURER, vendor->second);
         }
-        addText(*row, NET_PHYSICAL_TYPE, l.media, 64);
-        addText(*row, NET_ETHERCHANNEL_DEVICES, joined(l.members, ", "), 128);
+        row.textIfAny(NET_PHYSICAL_TYPE, l.media);
+        row.textIfAny(NET_ETHERCHANNEL_DEVICES, joined(l.members, ", "));
         auto path = facts.driverPaths.find(l.driver());
-        if (path != facts.driverPaths.end()) addText(*row, NET_DRIVER_PATH, path->second, 255);
+        if (path != facts.driverPaths.end()) row.textIfAny(NET_DRIVER_PATH, path->second);
         auto version = facts.driverVersions.find(l.driver());
-        if (version != facts.driverVersions.end()) addText(*row, NET_DRIVER_VERSION, version->second, 255);
-        addText(*row, NET_DRIVER_NAME, l.driver(), 255);
-        table.addRow(row);
+        if (version != facts.driverVersions.end()) row.textIfAny(NET_DRIVER_VERSION, version->second);
+        row.textIfAny(NET_DRIVER_NAME, l.driver());
+        row.addTo(table);
     }
 }
 
@@ -199,19 +194,19 @@ void shapeIpv4Rows(const NetworkFacts& facts, KorTable& table)
     const ByPhysical others(facts);
     for (const Interface& i : facts.interfaces) {
         if (!shown(i, false) || !seen.insert(i.address).second) continue;
-        auto* row = new KorTableRow;
-        row->addAttrib(new KorTableAttrib(IP_INDEX, ++index));
-        addText(*row, IP_ADDRESS, i.address, 40);
-        row->addAttrib(new KorTableAttrib(IP_DHCP_ENABLED, i.has("DHCP") ? "Y" : "N"));
-        addText(*row, IP_HOSTNAME, facts.hostname, 64);
-        addText(*row, IP_DOMAIN, domainOf(facts), 64);
-        addText(*row, IP_SUBNET, network::ipv4Mask(i.prefix), 40);
-        addText(*row, IP_GATEWAY, facts.gatewayOf(i), 40);
-        addText(*row, IP_PRIMARY_DNS, nameserver(facts, 0), 40);
-        addText(*row, IP_SECONDARY_DNS, nameserver(facts, 1), 40);
-        addText(*row, IP_PERMANENT_MAC, others.permanentMac(i), 64);
-        addText(*row, IP_IPV6_ADDRESS, others.ipv6Beside(i), 64);
-        table.addRow(row);
+        RowBuilder row(IP_ADDRESS_GROUP);
+        row.number(IP_INDEX, ++index);
+        row.textIfAny(IP_ADDRESS, i.address);
+        row.text(IP_DHCP_ENABLED, i.has("DHCP") ? "Y" : "N");
+        row.textIfAny(IP_HOSTNAME, facts.hostname);
+        row.textIfAny(IP_DOMAIN, domainOf(facts));
+        row.textIfAny(IP_SUBNET, network::ipv4Mask(i.prefix));
+        row.textIfAny(IP_GATEWAY, facts.gatewayOf(i));
+        row.textIfAny(IP_PRIMARY_DNS, nameserver(facts, 0));
+        row.textIfAny(IP_SECONDARY_DNS, nameserver(facts, 1));
+        row.textIfAny(IP_PERMANENT_MAC, others.permanentMac(i));
+        row.textIfAny(IP_IPV6_ADDRESS, others.ipv6Beside(i));
+        row.addTo(table);
     }
 }
 
@@ -222,19 +217,19 @@ void shapeIpv6Rows(const NetworkFacts& facts, KorTable& table)
     const ByPhysical others(facts);
     for (const Interface& i : facts.interfaces) {
         if (!shown(i, true) || !seen.insert(i.address).second) continue;
-        auto* row = new KorTableRow;
-        row->addAttrib(new KorTableAttrib(IPV6_INDEX, ++index));
-        addText(*row, IPV6_ADDRESS, i.address, 40);
-        addText(*row, IPV6_HOSTNAME, facts.hostname, 64);
-        addText(*row, IPV6_DOMAIN, domainOf(facts), 64);
-        addText(*row, IPV6_SUBNET, ipv6Subnet(i), 40);
-        addText(*row, IPV6_GATEWAY, facts.gatewayOf(i), 40);
-        addText(*row, IPV6_PRIMARY_DNS, nameserver(facts, 0), 40);
-        addText(*row, IPV6_SECONDARY_DNS, nameserver(facts, 1), 40);
-        addText(*row, IPV6_PERMANENT_MAC, others.permanentMac(i), 64);
-        addText(*row, IPV6_SCOPE, ipv6Scope(i.address), 24);
-        addText(*row, IPV6_ADAPTER_NAME, i.name, 128);
-        table.addRow(row);
+        RowBuilder row(IPV6_ADDRESS_GROUP);
+        row.number(IPV6_INDEX, ++index);
+        row.textIfAny(IPV6_ADDRESS, i.address);
+        row.textIfAny(IPV6_HOSTNAME, facts.hostname);
+        row.textIfAny(IPV6_DOMAIN, domainOf(facts));
+        row.textIfAny(IPV6_SUBNET, ipv6Subnet(i));
+        row.textIfAny(IPV6_GATEWAY, facts.gatewayOf(i));
+        row.textIfAny(IPV6_PRIMARY_DNS, nameserver(facts, 0));
+        row.textIfAny(IPV6_SECONDARY_DNS, nameserver(facts, 1));
+        row.textIfAny(IPV6_PERMANENT_MAC, others.permanentMac(i));
+        row.textIfAny(IPV6_SCOPE, ipv6Scope(i.address));
+        row.textIfAny(IPV6_ADAPTER_NAME, i.name);
+        row.addTo(table);
     }
 }
 

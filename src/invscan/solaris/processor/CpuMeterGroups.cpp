@@ -7,6 +7,7 @@
 #include "framework/Trace.h"
 #include "invscan/com/CatalogueIds.h"
 #include "invscan/com/GroupRegistry.h"
+#include "invscan/com/RowBuilder.h"
 #include "common/util/ApiGuard.h"
 
 namespace {
@@ -57,24 +58,24 @@ void shapeCpuMeterRow(const CpuTicks& ticks, KorTable& table)
     // No processor counted: zeros rather than a division by zero.
     const auto n = static_cast<unsigned long long>(ticks.processors > 0 ? ticks.processors : 0);
     auto per = [n](unsigned long long v) { return n ? v / n : 0ull; };
-    auto* row = new KorTableRow;
-    row->addAttrib(new KorTableAttrib(METER_IDLE_TIME, per(ticks.idle)));
-    row->addAttrib(new KorTableAttrib(METER_USER_TIME, per(ticks.user)));
-    row->addAttrib(new KorTableAttrib(METER_WAIT_TIME, per(ticks.wait)));
-    row->addAttrib(new KorTableAttrib(METER_SYS_TIME, per(ticks.kernel)));
-    row->addAttrib(new KorTableAttrib(METER_SYSTEM_UP_TIME, per(ticks.total)));
-    table.addRow(row);
+    RowBuilder row(CPU_METER_GROUP);
+    row.number(METER_IDLE_TIME, per(ticks.idle));
+    row.number(METER_USER_TIME, per(ticks.user));
+    row.number(METER_WAIT_TIME, per(ticks.wait));
+    row.number(METER_SYS_TIME, per(ticks.kernel));
+    row.number(METER_SYSTEM_UP_TIME, per(ticks.total));
+    row.addTo(table);
     METER_TRACE(traceMAX, "hardware idle=%llu user=%llu wait=%llu sys=%llu uptime=%llu", per(ticks.idle),
                 per(ticks.user), per(ticks.wait), per(ticks.kernel), per(ticks.total));
 }
 
 void shapeLoadRow(const double loads[3], KorTable& table)
 {
-    auto* row = new KorTableRow;
-    row->addAttrib(new KorTableAttrib(METER_LOAD_AVG_1, static_cast<float>(loads[0])));
-    row->addAttrib(new KorTableAttrib(METER_LOAD_AVG_5, static_cast<float>(loads[1])));
-    row->addAttrib(new KorTableAttrib(METER_LOAD_AVG_15, static_cast<float>(loads[2])));
-    table.addRow(row);
+    RowBuilder row(table.getGroupId());
+    row.real(METER_LOAD_AVG_1, loads[0]);
+    row.real(METER_LOAD_AVG_5, loads[1]);
+    row.real(METER_LOAD_AVG_15, loads[2]);
+    row.addTo(table);
 }
 
 CpuMeterGroup::CpuMeterGroup() : KorGroup(CPU_METER_GROUP, 1) {}

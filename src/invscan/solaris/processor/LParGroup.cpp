@@ -10,6 +10,7 @@
 #include "invscan/com/CatalogueIds.h"
 #include "invscan/com/GroupRegistry.h"
 #include "invscan/com/KorTable.h"
+#include "invscan/com/RowBuilder.h"
 #include "invscan/com/probeVT.h"
 #include "common/util/ApiGuard.h"
 
@@ -112,7 +113,7 @@ bool gatherLparChips(VtExecInfo* info, LparChips& chips)
 
 void shapeLparRow(const LparChips& chips, const LparZone& zone, const std::string& smbiosSerial, KorTable& table)
 {
-    auto* row = new KorTableRow;
+    RowBuilder row(LPAR_GROUP);
     std::string serial;
     if (!chips.allChipsRead) {
         LPAR_TRACE(traceMIN, "%s", "ERROR! Part of LparGroup will not be filled in because of incorrect CPUID data");
@@ -165,27 +166,27 @@ void shapeLparRow(const LparChips& chips, const LparZone& zone, const std::strin
                        "and set to -1.");
         }
         if ((serial.empty() || serial == "0") && !smbiosSerial.empty()) serial = smbiosSerial;
-        row->addAttrib(new KorTableAttrib(LPAR_ID, zone.info.name.c_str()));
-        row->addAttrib(new KorTableAttrib(LPAR_SHARED_POOL_ID, zone.info.sharedPoolName.c_str()));
-        row->addAttrib(new KorTableAttrib(LPAR_NODE_CAPACITY, nodeCap));
-        row->addAttrib(new KorTableAttrib(LPAR_NODE_CAPACITY_CORES, nodeCapCores));
-        row->addAttrib(new KorTableAttrib(LPAR_CAPACITY, lparCap));
-        row->addAttrib(new KorTableAttrib(LPAR_CAPACITY_CORES, lparCapCores));
-        row->addAttrib(new KorTableAttrib(LPAR_POOL_CAPACITY, poolCap));
-        row->addAttrib(new KorTableAttrib(LPAR_POOL_CAPACITY_CORES, poolCapCores));
-        row->addAttrib(new KorTableAttrib(LPAR_PROCESSOR_SET_NAME, zone.info.poolResourceName.c_str()));
-        row->addAttrib(new KorTableAttrib(LPAR_TYPE, zone.info.typeDisplayed.c_str()));
+        row.text(LPAR_ID, zone.info.name);
+        row.text(LPAR_SHARED_POOL_ID, zone.info.sharedPoolName);
+        row.real(LPAR_NODE_CAPACITY, nodeCap);
+        row.real(LPAR_NODE_CAPACITY_CORES, nodeCapCores);
+        row.real(LPAR_CAPACITY, lparCap);
+        row.real(LPAR_CAPACITY_CORES, lparCapCores);
+        row.real(LPAR_POOL_CAPACITY, poolCap);
+        row.real(LPAR_POOL_CAPACITY_CORES, poolCapCores);
+        row.text(LPAR_PROCESSOR_SET_NAME, zone.info.poolResourceName);
+        row.text(LPAR_TYPE, zone.info.typeDisplayed);
     }
     auto count = [](int n) { return static_cast<float>(n); };
-    row->addAttrib(new KorTableAttrib(LPAR_ONLINE_VP_COUNT, count(chips.onlineProcessors)));
-    row->addAttrib(new KorTableAttrib(LPAR_ONLINE_PROCESSOR_COUNT, count(chips.onlineProcessors)));
-    row->addAttrib(new KorTableAttrib(LPAR_ONLINE_CORE_COUNT, count(chips.activeCores)));
-    row->addAttrib(new KorTableAttrib(LPAR_ONLINE_PACKAGE_COUNT, count(chips.activePackages)));
-    row->addAttrib(new KorTableAttrib(LPAR_SERIAL_NUMBER, serial.c_str()));
-    row->addAttrib(new KorTableAttrib(LPAR_NODE_TOTAL_PROCESSORS, count(chips.biosTotalProcessors)));
-    row->addAttrib(new KorTableAttrib(LPAR_NODE_TOTAL_CORES, count(chips.biosTotalCores)));
-    row->addAttrib(new KorTableAttrib(LPAR_NODE_TOTAL_PACKAGES, count(chips.biosTotalPackages)));
-    table.addRow(row);
+    row.real(LPAR_ONLINE_VP_COUNT, count(chips.onlineProcessors));
+    row.real(LPAR_ONLINE_PROCESSOR_COUNT, count(chips.onlineProcessors));
+    row.real(LPAR_ONLINE_CORE_COUNT, count(chips.activeCores));
+    row.real(LPAR_ONLINE_PACKAGE_COUNT, count(chips.activePackages));
+    row.text(LPAR_SERIAL_NUMBER, serial);
+    row.real(LPAR_NODE_TOTAL_PROCESSORS, count(chips.biosTotalProcessors));
+    row.real(LPAR_NODE_TOTAL_CORES, count(chips.biosTotalCores));
+    row.real(LPAR_NODE_TOTAL_PACKAGES, count(chips.biosTotalPackages));
+    row.addTo(table);
 }
 
 LParGroup::LParGroup() : KorGroup(LPAR_GROUP, 1) {}

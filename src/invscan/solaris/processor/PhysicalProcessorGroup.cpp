@@ -9,6 +9,7 @@
 #include "framework/Trace.h"
 #include "invscan/com/CatalogueIds.h"
 #include "invscan/com/GroupRegistry.h"
+#include "invscan/com/RowBuilder.h"
 #include "invscan/com/md5.h"
 #include "invscan/com/probeVT.h"
 #include "invscan/solaris/processor/ProcessorGroup.h"
@@ -24,16 +25,7 @@ const char* const kFunction = "getTable()";
 // A package can hold no more than this; more is a broken probe.
 constexpr int kMaxPackages = 4096;
 
-// A text the probe did not give is left out rather than shown empty.
-void addText(KorTableRow& row, unsigned long id, const std::string& value, size_t max)
-{
-    if (!value.empty()) row.addAttrib(new KorTableAttrib(id, systemfacts::fitted(value, max).c_str()));
-}
-
-KorTableAttrib* count(unsigned long id, int value)
-{
-    return new KorTableAttrib(id, static_cast<unsigned int>(value > 0 ? value : 0));
-}
+unsigned int count(int value) { return static_cast<unsigned int>(value > 0 ? value : 0); }
 
 }  // namespace
 
@@ -94,24 +86,25 @@ bool gatherPhysicalPackages(VtExecInfo* info, std::vector<PhysicalPackage>& pack
 void shapePhysicalProcessorRows(const std::vector<PhysicalPackage>& packages, KorTable& table)
 {
     for (const PhysicalPackage& p : packages) {
-        auto* row = new KorTableRow;
+        RowBuilder row(PHYSICAL_PROCESSOR_GROUP);
         char* id = md5_checksum(p.id.c_str());
-        row->addAttrib(new KorTableAttrib(PHYS_ID, id ? id : ""));
+        row.text(PHYS_ID, id);
         std::free(id);
-        addText(*row, PHYS_MANUFACTURER, p.manufacturer, 64);
-        addText(*row, PHYS_FAMILY, p.family, 64);
-        addText(*row, PHYS_TYPE, p.type, 64);
-        row->addAttrib(count(PHYS_CORES_PER_PACKAGE, p.coresPerPackage));
-        row->addAttrib(count(PHYS_LOGICAL_PER_CORE, p.threadsPerCore));
-        row->addAttrib(count(PHYS_CPU_FREQ, p.clockMHz));
-        row->addAttrib(count(PHYS_L2_CACHE, p.l2KB));
-        row->addAttrib(count(PHYS_L3_CACHE, p.l3KB));
-        addText(*row, PHYS_BRANDNAME, p.brand, 128);
-        addText(*row, PHYS_SIGNATURE, p.signature, 128);
-        if (!p.is64bit.empty()) addText(*row, PHYS_IS_64BIT, p.is64bit == "Yes" ? "Y" : "N", 1);
-        if (p.activeProcessors >= 0) row->addAttrib(count(PHYS_ACTIVE_PROCESSORS, p.activeProcessors));
-        if (p.activeCores >= 0) row->addAttrib(count(PHYS_ACTIVE_CORES, p.activeCores));
-        table.addRow(row);
+        // A text the probe did not give is left out rather than shown empty.
+        row.textIfAny(PHYS_MANUFACTURER, p.manufacturer);
+        row.textIfAny(PHYS_FAMILY, p.family);
+        row.textIfAny(PHYS_TYPE, p.type);
+        row.number(PHYS_CORES_PER_PACKAGE, count(p.coresPerPackage));
+        row.number(PHYS_LOGICAL_PER_CORE, count(p.threadsPerCore));
+        row.number(PHYS_CPU_FREQ, count(p.clockMHz));
+        row.number(PHYS_L2_CACHE, count(p.l2KB));
+        row.number(PHYS_L3_CACHE, count(p.l3KB));
+        row.textIfAny(PHYS_BRANDNAME, p.brand);
+        row.textIfAny(PHYS_SIGNATURE, p.signature);
+        if (!p.is64bit.empty()) row.text(PHYS_IS_64BIT, p.is64bit == "Yes" ? "Y" : "N");
+        if (p.activeProcessors >= 0) row.number(PHYS_ACTIVE_PROCESSORS, count(p.activeProcessors));
+        if (p.activeCores >= 0) row.number(PHYS_ACTIVE_CORES, count(p.activeCores));
+        row.addTo(table);
     }
 }
 

@@ -13,6 +13,7 @@
 #include "framework/Trace.h"
 #include "invscan/com/CatalogueIds.h"
 #include "invscan/com/GroupRegistry.h"
+#include "invscan/com/RowBuilder.h"
 #include "invscan/com/md5.h"
 #include "invscan/com/probeVT.h"
 #include "common/util/ApiGuard.h"
@@ -100,21 +101,21 @@ void shapeProcessorRows(const ProcessorFacts& facts, KorTable& table)
         char* id = md5_checksum(processorIdText(p).c_str());
         const auto clock = static_cast<unsigned int>(p.clockMHz);
         for (int c = 0; c < p.cores; ++c) {
-            auto* row = new KorTableRow;
-            row->addAttrib(new KorTableAttrib(PROC_INDEX, ++index));
-            row->addAttrib(new KorTableAttrib(PROC_ID, id ? id : ""));
-            row->addAttrib(new KorTableAttrib(PROC_FAMILY, "i386"));
-            row->addAttrib(new KorTableAttrib(PROC_MAX_CLOCK, clock));
-            row->addAttrib(new KorTableAttrib(PROC_CURRENT_CLOCK, clock));
-            row->addAttrib(new KorTableAttrib(PROC_EXTERNAL_CLOCK, 0u));
-            row->addAttrib(new KorTableAttrib(PROC_MANUFACTURER, p.manufacturer.c_str()));
-            row->addAttrib(new KorTableAttrib(PROC_SERIAL_NUMBER, g_serialNumber));
-            row->addAttrib(new KorTableAttrib(PROC_CHIP_FAMILY, static_cast<unsigned int>(p.family)));
-            row->addAttrib(new KorTableAttrib(PROC_CHIP_MODEL, static_cast<unsigned int>(p.model)));
-            row->addAttrib(new KorTableAttrib(PROC_CHIP_STEPPING, static_cast<unsigned int>(p.stepping)));
+            RowBuilder row(PROCESSOR_GROUP);
+            row.number(PROC_INDEX, ++index);
+            row.text(PROC_ID, id);
+            row.text(PROC_FAMILY, "i386");
+            row.number(PROC_MAX_CLOCK, clock);
+            row.number(PROC_CURRENT_CLOCK, clock);
+            row.number(PROC_EXTERNAL_CLOCK, 0u);
+            row.text(PROC_MANUFACTURER, p.manufacturer);
+            row.text(PROC_SERIAL_NUMBER, g_serialNumber);
+            row.number(PROC_CHIP_FAMILY, p.family);
+            row.number(PROC_CHIP_MODEL, p.model);
+            row.number(PROC_CHIP_STEPPING, p.stepping);
             // "H" for hyper-threading in the enabled flag: what hosts read there.
-            if (p.threadsPerCore > 1) row->addAttrib(new KorTableAttrib(PROC_CPU_ENABLED, "H"));
-            table.addRow(row);
+            if (p.threadsPerCore > 1) row.text(PROC_CPU_ENABLED, "H");
+            row.addTo(table);
         }
         std::free(id);
     }

@@ -13,6 +13,7 @@
 #include "framework/Trace.h"
 #include "invscan/com/CatalogueIds.h"
 #include "invscan/com/GroupRegistry.h"
+#include "invscan/com/RowBuilder.h"
 #include "invscan/solaris/system/SystemFacts.h"
 #include "common/util/ApiGuard.h"
 
@@ -209,28 +210,25 @@ std::vector<PartitionRow> gatherPartitions(sys::System& os, const std::vector<Mo
 
 void shapePartitionRows(const std::vector<PartitionRow>& rows, KorTable& table)
 {
-    using systemfacts::fitted;
     unsigned int index = 0;
     for (const PartitionRow& r : rows) {
-        auto* row = new KorTableRow;
-        row->addAttrib(new KorTableAttrib(PART_INDEX, ++index));
-        row->addAttrib(new KorTableAttrib(PART_TYPE, static_cast<unsigned int>(r.kind.partType)));
-        row->addAttrib(new KorTableAttrib(PART_MEDIA_TYPE, static_cast<unsigned int>(r.kind.mediaType)));
-        row->addAttrib(new KorTableAttrib(PART_DEVICE_NAME, fitted(r.mount.special, 64).c_str()));
-        if (r.physicalBytes) row->addAttrib(new KorTableAttrib(PART_PHYSICAL_SIZE, r.physicalBytes));
-        if (r.kind.fsTypeId >= 0)
-            row->addAttrib(new KorTableAttrib(PART_FS_TYPE, static_cast<unsigned int>(r.kind.fsTypeId)));
+        RowBuilder row(PARTITION_GROUP);
+        row.number(PART_INDEX, ++index);
+        row.number(PART_TYPE, r.kind.partType);
+        row.number(PART_MEDIA_TYPE, r.kind.mediaType);
+        row.text(PART_DEVICE_NAME, r.mount.special);
+        if (r.physicalBytes) row.number(PART_PHYSICAL_SIZE, r.physicalBytes);
+        if (r.kind.fsTypeId >= 0) row.number(PART_FS_TYPE, r.kind.fsTypeId);
         // Both the directory: the access point is what PartitionToStorage rows name.
-        row->addAttrib(new KorTableAttrib(PART_FS_ACCESS_POINT, fitted(r.mount.mountPoint, 255).c_str()));
-        row->addAttrib(new KorTableAttrib(PART_FS_MOUNT_POINT, fitted(r.mount.mountPoint, 255).c_str()));
+        row.text(PART_FS_ACCESS_POINT, r.mount.mountPoint);
+        row.text(PART_FS_MOUNT_POINT, r.mount.mountPoint);
         if (r.sized) {
-            row->addAttrib(new KorTableAttrib(PART_FS_TOTAL_SIZE, r.totalBytes));
-            row->addAttrib(new KorTableAttrib(PART_FS_FREE_SIZE, r.freeBytes));
+            row.number(PART_FS_TOTAL_SIZE, r.totalBytes);
+            row.number(PART_FS_FREE_SIZE, r.freeBytes);
         }
-        if (!r.server.empty()) row->addAttrib(new KorTableAttrib(PART_SERVER_HOSTNAME, fitted(r.server, 255).c_str()));
-        if (!r.serverPath.empty())
-            row->addAttrib(new KorTableAttrib(PART_SERVER_PATH, fitted(r.serverPath, 255).c_str()));
-        table.addRow(row);
+        row.textIfAny(PART_SERVER_HOSTNAME, r.server);
+        row.textIfAny(PART_SERVER_PATH, r.serverPath);
+        row.addTo(table);
     }
 }
 

@@ -4,6 +4,7 @@
 #include "invscan/com/CatalogueIds.h"
 #include "invscan/com/GroupRegistry.h"
 #include "invscan/com/KorTable.h"
+#include "invscan/com/RowBuilder.h"
 #include "invscan/solaris/storage/DiskScanTree.h"
 #include "common/util/ApiGuard.h"
 
@@ -32,11 +33,11 @@ KorTable* PartitionToStorageGroup::getTable()
             forEachChild(partition, "Disk", [&](int d, const VtNode* disk) {
                 const char* id = textOf(disk, "Id");
                 CcLogWrapper::traceMAX(log, __LINE__, kSource, kFunction, "Partition #%d Disk #%d: id=%s", p, d, id);
-                auto* row = new KorTableRow;
-                row->addAttrib(new KorTableAttrib(P2S_INDEX, index++));
-                row->addAttrib(new KorTableAttrib(P2S_PARTITION_ACCESS_POINT, name));
-                row->addAttrib(new KorTableAttrib(P2S_STORAGE_DEVICE, id));
-                table->addRow(row);
+                RowBuilder row(PARTITION_TO_STORAGE_GROUP);
+                row.number(P2S_INDEX, index++);
+                row.text(P2S_PARTITION_ACCESS_POINT, name);
+                row.text(P2S_STORAGE_DEVICE, id);
+                row.addTo(*table);
             });
         });
         CcLogWrapper::traceMidExit(log, __LINE__, kSource, kFunction, "hardware %s%p", "table=", static_cast<void*>(table));

@@ -4,6 +4,7 @@
 #include "invscan/com/CatalogueIds.h"
 #include "invscan/com/GroupRegistry.h"
 #include "invscan/com/KorTable.h"
+#include "invscan/com/RowBuilder.h"
 #include "invscan/solaris/storage/DiskScanTree.h"
 #include "common/util/ApiGuard.h"
 
@@ -38,18 +39,18 @@ KorTable* SANAdapterGroup::getTable()
                                    "Adding hba #%d: id=%s desc=%s vendor=%s model=%s type=%s serial=%s speed=%s state=%s "
                                    "wwnn=%s wwpn=%s",
                                    h, id, description, vendor, model, type, serial, speed, state, wwnn, wwpn);
-            auto* row = new KorTableRow;
-            row->addAttrib(new KorTableAttrib(SAN_INDEX, static_cast<unsigned long>(h)));
-            row->addAttrib(new KorTableAttrib(SAN_ID, id));
-            row->addAttrib(new KorTableAttrib(SAN_DESCRIPTION, description));
-            row->addAttrib(new KorTableAttrib(SAN_WWNN, wwnn));
-            row->addAttrib(new KorTableAttrib(SAN_WWPN, wwpn));
-            row->addAttrib(new KorTableAttrib(SAN_MANUFACTURER, vendor));
-            row->addAttrib(new KorTableAttrib(SAN_MODEL, model));
-            row->addAttrib(new KorTableAttrib(SAN_SERIAL_NUMBER, serial));
-            row->addAttrib(new KorTableAttrib(SAN_STATE, state));
-            row->addAttrib(new KorTableAttrib(SAN_SPEED, speed));
-            table->addRow(row);
+            RowBuilder row(SAN_ADAPTER_GROUP);
+            row.number(SAN_INDEX, h);
+            row.text(SAN_ID, id);
+            row.text(SAN_DESCRIPTION, description);
+            row.text(SAN_WWNN, wwnn);
+            row.text(SAN_WWPN, wwpn);
+            row.text(SAN_MANUFACTURER, vendor);
+            row.text(SAN_MODEL, model);
+            row.text(SAN_SERIAL_NUMBER, serial);
+            row.text(SAN_STATE, state);
+            row.text(SAN_SPEED, speed);
+            row.addTo(*table);
         });
         CcLogWrapper::traceMidExit(log, __LINE__, kSource, kFunction, "hardware %s%p", "table=", static_cast<void*>(table));
         return table;

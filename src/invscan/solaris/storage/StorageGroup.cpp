@@ -22,6 +22,7 @@
 #include "invscan/com/CatalogueIds.h"
 #include "invscan/com/GroupRegistry.h"
 #include "invscan/com/KorTable.h"
+#include "invscan/com/RowBuilder.h"
 #include "invscan/com/md5.h"
 #include "invscan/solaris/system/ComponentIDGroup.h"
 #include "invscan/solaris/storage/DiskScanTree.h"
@@ -238,23 +239,23 @@ KorTableRow* shapeRow(const StorageDevice& d)
     case StorageDevice::FLOPPY: type = STORAGE_TYPE_FLOPPY; break;
     case StorageDevice::PCMCIA: type = STORAGE_TYPE_MEMORY_CARD; break;
     }
-    auto* row = new KorTableRow;
-    row->addAttrib(new KorTableAttrib(STOR_INDEX, static_cast<unsigned long>(d.index)));
-    row->addAttrib(new KorTableAttrib(STOR_ID, (d.kind == StorageDevice::DISK ? geometryId(disk) : zerosId()).c_str()));
-    row->addAttrib(new KorTableAttrib(STOR_TYPE, type));
-    row->addAttrib(new KorTableAttrib(STOR_MODEL, model.c_str()));
-    row->addAttrib(new KorTableAttrib(STOR_MANUFACTURER, vendor.c_str()));
-    row->addAttrib(new KorTableAttrib(STOR_SERIAL_NUMBER, serial.c_str()));
-    row->addAttrib(new KorTableAttrib(STOR_CYLINDERS, disk.cylinders));
-    row->addAttrib(new KorTableAttrib(STOR_SECTORS, disk.sectors));
-    row->addAttrib(new KorTableAttrib(STOR_HEADS, disk.heads));
-    row->addAttrib(new KorTableAttrib(STOR_TOTAL_SIZE, disk.sizeMB));
-    row->addAttrib(new KorTableAttrib(STOR_DEVICE, disk.device.c_str()));
-    row->addAttrib(new KorTableAttrib(STOR_IS_SAN_DISK, disk.san.isSan.c_str()));
-    row->addAttrib(new KorTableAttrib(STOR_WWNN, disk.san.wwnn.c_str()));
-    row->addAttrib(new KorTableAttrib(STOR_WWPN, disk.san.wwpn.c_str()));
-    row->addAttrib(new KorTableAttrib(STOR_SAN_ADAPTER, disk.san.adapter.c_str()));
-    return row;
+    RowBuilder row(STORAGE_GROUP);
+    row.number(STOR_INDEX, d.index);
+    row.text(STOR_ID, d.kind == StorageDevice::DISK ? geometryId(disk) : zerosId());
+    row.number(STOR_TYPE, type);
+    row.text(STOR_MODEL, model);
+    row.text(STOR_MANUFACTURER, vendor);
+    row.text(STOR_SERIAL_NUMBER, serial);
+    row.number(STOR_CYLINDERS, disk.cylinders);
+    row.number(STOR_SECTORS, disk.sectors);
+    row.number(STOR_HEADS, disk.heads);
+    row.number(STOR_TOTAL_SIZE, disk.sizeMB);
+    row.text(STOR_DEVICE, disk.device);
+    row.text(STOR_IS_SAN_DISK, disk.san.isSan);
+    row.text(STOR_WWNN, disk.san.wwnn);
+    row.text(STOR_WWPN, disk.san.wwpn);
+    row.text(STOR_SAN_ADAPTER, disk.san.adapter);
+    return row.release();
 }
 
 }  // namespace

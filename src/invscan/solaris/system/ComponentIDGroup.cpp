@@ -14,6 +14,7 @@
 #include "invscan/com/CatalogueIds.h"
 #include "invscan/com/GroupRegistry.h"
 #include "invscan/com/KorTable.h"
+#include "invscan/com/RowBuilder.h"
 #include "invscan/solaris/processor/ProcessorGroup.h"
 #include "common/util/ApiGuard.h"
 
@@ -101,14 +102,14 @@ char* ComponentIDGroup::getBanner()
 
 void shapeComponentIdRow(const ComponentIdentity& id, KorTable& table)
 {
-    auto* row = new KorTableRow;
-    row->addAttrib(new KorTableAttrib(CID_MANUFACTURER, id.manufacturer.c_str()));
-    row->addAttrib(new KorTableAttrib(CID_PRODUCT, id.product.c_str()));
-    row->addAttrib(new KorTableAttrib(CID_SERIAL_NUMBER, id.serial.c_str()));
-    row->addAttrib(new KorTableAttrib(CID_TYPE, id.type.c_str()));
-    row->addAttrib(new KorTableAttrib(CID_HW_SERIAL, id.hwSerial.c_str()));
-    row->addAttrib(new KorTableAttrib(CID_PLATFORM, id.platform.c_str()));
-    table.addRow(row);
+    RowBuilder row(COMPONENT_ID_GROUP);
+    row.text(CID_MANUFACTURER, id.manufacturer);
+    row.text(CID_PRODUCT, id.product);
+    row.text(CID_SERIAL_NUMBER, id.serial);
+    row.text(CID_TYPE, id.type);
+    row.text(CID_HW_SERIAL, id.hwSerial);
+    row.text(CID_PLATFORM, id.platform);
+    row.addTo(table);
 }
 
 ComponentIDGroup::ComponentIDGroup() : KorGroup(COMPONENT_ID_GROUP, 1) {}

@@ -10,6 +10,7 @@
 #include "framework/ZPopen.h"
 #include "invscan/com/CatalogueIds.h"
 #include "invscan/com/GroupRegistry.h"
+#include "invscan/com/RowBuilder.h"
 #include "invscan/solaris/system/SystemFacts.h"
 #include "common/util/ApiGuard.h"
 
@@ -99,17 +100,14 @@ std::string layoutName(sys::System& os, const std::string& layout)
 
 void shapeKeyboardRow(const KeyboardFacts& facts, KorTable& table)
 {
-    auto* row = new KorTableRow;
-    if (!facts.type.empty()) row->addAttrib(new KorTableAttrib(KBD_TYPE, systemfacts::fitted(facts.type, 255).c_str()));
-    if (!facts.subType.empty())
-        row->addAttrib(new KorTableAttrib(KBD_SUB_TYPE, systemfacts::fitted(facts.subType, 64).c_str()));
-    if (!facts.layout.empty())
-        row->addAttrib(new KorTableAttrib(KBD_CODE_PAGE, systemfacts::fitted(facts.layout, 64).c_str()));
+    RowBuilder row(KEYBOARD_GROUP);
+    row.textIfAny(KBD_TYPE, facts.type);
+    row.textIfAny(KBD_SUB_TYPE, facts.subType);
+    row.textIfAny(KBD_CODE_PAGE, facts.layout);
     // kbd gives the repeat period; hosts want characters per second.
-    if (facts.rateMs > 0)
-        row->addAttrib(new KorTableAttrib(KBD_CHARACTERS_PER_SECOND, static_cast<unsigned int>((1000 + facts.rateMs / 2) / facts.rateMs)));
-    if (facts.delayMs > 0) row->addAttrib(new KorTableAttrib(KBD_REPEAT_DELAY, static_cast<unsigned int>(facts.delayMs)));
-    table.addRow(row);
+    if (facts.rateMs > 0) row.number(KBD_CHARACTERS_PER_SECOND, (1000 + facts.rateMs / 2) / facts.rateMs);
+    if (facts.delayMs > 0) row.number(KBD_REPEAT_DELAY, facts.delayMs);
+    row.addTo(table);
 }
 
 KeyboardGroup::KeyboardGroup() : KorGroup(KEYBOARD_GROUP, 1) {}

@@ -10,6 +10,7 @@
 #include "framework/Trace.h"
 #include "invscan/com/CatalogueIds.h"
 #include "invscan/com/GroupRegistry.h"
+#include "invscan/com/RowBuilder.h"
 #include "common/util/ApiGuard.h"
 
 namespace {
@@ -96,12 +97,8 @@ Swap swapFromDevices(sys::System& os, int count, long pageSize)
     return swap;
 }
 
-// The catalogue's KOR_ULONG: 32 bits on every build. A figure the system
-// could not give (-1) is reported as 0.
-KorTableAttrib* ulong32(unsigned long id, long long value)
-{
-    return new KorTableAttrib(id, static_cast<unsigned int>(value > 0 ? value : 0));
-}
+// A figure the system could not give (-1) is reported as 0.
+unsigned long long known(long long value) { return value > 0 ? static_cast<unsigned long long>(value) : 0; }
 
 }  // namespace
 
@@ -140,15 +137,15 @@ void shapeMemoryRow(const MemoryFacts& facts, KorTable& table)
 {
     const long long totalKB = pagesToKB(facts.physPages, facts.pageSize);
     const long long freeKB = pagesToKB(facts.freePages, facts.pageSize);
-    auto* row = new KorTableRow;
-    row->addAttrib(ulong32(MEM_TOTAL_PHYSICAL, totalKB));
-    row->addAttrib(ulong32(MEM_FREE_PHYSICAL, freeKB));
-    row->addAttrib(ulong32(MEM_TOTAL_VIRTUAL, facts.swapTotalKB + totalKB));
-    row->addAttrib(ulong32(MEM_FREE_VIRTUAL, facts.swapFreeKB + freeKB));
-    row->addAttrib(ulong32(MEM_TOTAL_PAGE, facts.physPages));
-    row->addAttrib(ulong32(MEM_FREE_PAGE, facts.freePages));
-    row->addAttrib(ulong32(MEM_PAGE_SIZE, facts.pageSize));
-    table.addRow(row);
+    RowBuilder row(MEMORY_GROUP);
+    row.number(MEM_TOTAL_PHYSICAL, known(totalKB));
+    row.number(MEM_FREE_PHYSICAL, known(freeKB));
+    row.number(MEM_TOTAL_VIRTUAL, known(facts.swapTotalKB + totalKB));
+    row.number(MEM_FREE_VIRTUAL, known(facts.swapFreeKB + freeKB));
+    row.number(MEM_TOTAL_PAGE, known(facts.physPages));
+    row.number(MEM_FREE_PAGE, known(facts.freePages));
+    row.number(MEM_PAGE_SIZE, known(facts.pageSize));
+    row.addTo(table);
 }
 
 MemoryGroup::MemoryGroup() : KorGroup(MEMORY_GROUP, 1) {}

@@ -12,6 +12,7 @@
 #include "framework/ZPopen.h"
 #include "invscan/com/CatalogueIds.h"
 #include "invscan/com/GroupRegistry.h"
+#include "invscan/com/RowBuilder.h"
 #include "invscan/solaris/system/SystemFacts.h"
 #include "common/util/ApiGuard.h"
 
@@ -161,15 +162,15 @@ void shapePciRows(const std::vector<PciFunction>& functions, const PciNames& nam
 {
     unsigned int index = 0;
     for (const PciFunction& f : functions) {
-        auto* row = new KorTableRow;
-        row->addAttrib(new KorTableAttrib(PCI_INDEX, ++index));
-        row->addAttrib(new KorTableAttrib(PCI_NAME, systemfacts::fitted(pciName(f, names), 180).c_str()));
+        RowBuilder row(PCI_DEVICE_GROUP);
+        row.number(PCI_INDEX, ++index);
+        row.text(PCI_NAME, pciName(f, names));
         if (f.revision >= 0) {
             char revision[8];
             std::snprintf(revision, sizeof revision, "%02lx", f.revision & 0xFF);
-            row->addAttrib(new KorTableAttrib(PCI_REVISION, revision));
+            row.text(PCI_REVISION, revision);
         }
-        table.addRow(row);
+        row.addTo(table);
     }
 }
 

@@ -175,34 +175,6 @@ std::string languageOf(const std::string& locale)
     return locale.substr(0, end);
 }
 
-std::string decodable(const std::string& text)
-{
-    std::string out;
-    std::mbstate_t state{};
-    for (size_t i = 0; i < text.size();) {
-        wchar_t wide;
-        const size_t n = std::mbrtowc(&wide, text.data() + i, text.size() - i, &state);
-        if (n == static_cast<size_t>(-1) || n == static_cast<size_t>(-2) || n == 0) {
-            out += '?';  // a byte of another encoding, or a cut character
-            state = std::mbstate_t{};
-            ++i;
-            continue;
-        }
-        out.append(text, i, n);
-        i += n;
-    }
-    return out;
-}
-
-std::string fitted(const std::string& raw, size_t max)
-{
-    const std::string text = decodable(raw);
-    if (text.size() <= max) return text;
-    size_t cut = max;
-    while (cut > 0 && (static_cast<unsigned char>(text[cut]) & 0xC0) == 0x80) --cut;  // not inside a character
-    return text.substr(0, cut);
-}
-
 std::string trimmed(const std::string& text)
 {
     const char* blanks = " \t\r\n";

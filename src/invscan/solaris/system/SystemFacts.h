@@ -36,12 +36,6 @@ Locales readLocales(sys::System& os);
 // "en" of "en_US.UTF-8"; "C" and "POSIX" stay as they are.
 std::string languageOf(const std::string& locale);
 
-// `text` with each byte the host's locale cannot decode (a name written in
-// another encoding) shown as '?': the data model stores texts in the host's
-// locale, and would store an undecodable one as empty.
-std::string decodable(const std::string& text);
-// decodable(text) cut to `max` bytes on a character boundary: the catalogue's limit.
-std::string fitted(const std::string& text, size_t max);
 // The text without blanks (and line ends) at either end.
 std::string trimmed(const std::string& text);
 

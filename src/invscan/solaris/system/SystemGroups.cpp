@@ -15,11 +15,11 @@
 #include "invscan/com/CatalogueIds.h"
 #include "invscan/com/GroupFactory.h"
 #include "invscan/com/GroupRegistry.h"
+#include "invscan/com/RowBuilder.h"
 #include "invscan/com/probeVT.h"
 #include "invscan/solaris/system/SystemFacts.h"
 #include "common/util/ApiGuard.h"
 
-using systemfacts::fitted;
 using systemfacts::trimmed;
 
 namespace {
@@ -31,15 +31,6 @@ const char* const kSource = "./../../../src/invscan/solaris/SystemGroups";
 // Where the release banner and the core package's install record live.
 const char* const kReleaseFile = sys::solaris::path(sys::solaris::Id::Release);
 const char* const kCorePackageInfo = sys::solaris::path(sys::solaris::Id::CorePackageInfo);
-
-KorTableAttrib* text(unsigned long id, const std::string& value, size_t max)
-{
-    return new KorTableAttrib(id, fitted(value, max).c_str());
-}
-
-KorTableAttrib* number(unsigned long id, long long value) { return new KorTableAttrib(id, static_cast<unsigned int>(value)); }
-
-KorTableAttrib* when(unsigned long id, long long seconds) { return new KorTableAttrib(id, static_cast<long>(seconds)); }
 
 bool digits(const std::string& text, size_t from, size_t count)
 {
@@ -258,32 +249,32 @@ bool gatherOperatingSystemFacts(sys::System& os, VtExecInfo* cpuid, OperatingSys
 
 void shapeOperatingSystemRow(const OperatingSystemFacts& facts, KorTable& table)
 {
-    auto* row = new KorTableRow;
+    RowBuilder row(OPERATING_SYSTEM_GROUP);
     const std::string name = facts.banner.empty() ? facts.sysname + " " + facts.release : facts.banner.front();
-    row->addAttrib(text(OS_NAME, name, 128));
-    row->addAttrib(number(OS_TYPE, osType(facts.sysname, facts.release)));
+    row.text(OS_NAME, name);
+    row.number(OS_TYPE, osType(facts.sysname, facts.release));
     const OsVersion version = osVersion(facts);
     if (version.major >= 0) {
-        row->addAttrib(number(OS_MAJOR_VERSION, version.major));
-        row->addAttrib(number(OS_MINOR_VERSION, version.minor));
+        row.number(OS_MAJOR_VERSION, version.major);
+        row.number(OS_MINOR_VERSION, version.minor);
     }
-    if (!facts.version.empty()) row->addAttrib(text(OS_SUB_VERSION, facts.version, 64));
-    if (facts.installTime > 0) row->addAttrib(when(OS_INSTALL_DATE, facts.installTime));
-    if (!facts.arch.empty()) row->addAttrib(text(OS_ARCH, facts.arch, 24));
-    if (!facts.kernelMode.empty()) row->addAttrib(text(OS_KERNEL_MODE, facts.kernelMode, 24));
+    row.textIfAny(OS_SUB_VERSION, facts.version);
+    if (facts.installTime > 0) row.when(OS_INSTALL_DATE, facts.installTime);
+    row.textIfAny(OS_ARCH, facts.arch);
+    row.textIfAny(OS_KERNEL_MODE, facts.kernelMode);
     std::string description;
     for (const std::string& line : facts.banner) description += (description.empty() ? "" : " ") + line;
-    if (!description.empty()) row->addAttrib(text(OS_DESCRIPTION, description, 255));
-    row->addAttrib(text(OS_LANGUAGE_VERSION, systemfacts::languageOf(facts.systemLocale), 64));
-    row->addAttrib(text(OS_LOCALE_ID, facts.systemLocale, 64));
-    row->addAttrib(text(OS_MESSAGES_LOCALE, facts.messagesLocale, 64));
-    if (facts.bootTime > 0) row->addAttrib(when(OS_LAST_BOOT_UP_TIME, facts.bootTime));
-    row->addAttrib(text(OS_CURRENT_USER_LOCALE_ID, facts.userLocale, 64));
-    if (!facts.sysname.empty()) row->addAttrib(text(OS_OS_NAME, facts.sysname, 64));
-    if (!facts.release.empty()) row->addAttrib(text(OS_OS_VERSION, facts.release, 64));
+    if (!description.empty()) row.text(OS_DESCRIPTION, description);
+    row.text(OS_LANGUAGE_VERSION, systemfacts::languageOf(facts.systemLocale));
+    row.text(OS_LOCALE_ID, facts.systemLocale);
+    row.text(OS_MESSAGES_LOCALE, facts.messagesLocale);
+    if (facts.bootTime > 0) row.when(OS_LAST_BOOT_UP_TIME, facts.bootTime);
+    row.text(OS_CURRENT_USER_LOCALE_ID, facts.userLocale);
+    row.textIfAny(OS_OS_NAME, facts.sysname);
+    row.textIfAny(OS_OS_VERSION, facts.release);
     const long level = maintenanceLevel(facts);
-    if (level >= 0) row->addAttrib(number(OS_MAINTENANCE_LEVEL, level));
-    table.addRow(row);
+    if (level >= 0) row.number(OS_MAINTENANCE_LEVEL, level);
+    row.addTo(table);
 }
 
 OperatingSystemGroup::OperatingSystemGroup() : KorGroup(OPERATING_SYSTEM_GROUP, 1) {}
@@ -319,14 +310,14 @@ RegionalFacts gatherRegionalFacts(sys::System& os)
 
 void shapeRegionalRow(const RegionalFacts& facts, KorTable& table)
 {
-    auto* row = new KorTableRow;
-    row->addAttrib(text(REG_LOCAL, facts.locale, 32));
-    row->addAttrib(number(REG_TZ_SECONDS, facts.offsetEast < 0 ? -facts.offsetEast : facts.offsetEast));
-    row->addAttrib(number(REG_TZ_PLUS_MINUS, facts.offsetEast < 0 ? REG_MINUS : REG_PLUS));
-    row->addAttrib(number(REG_DAYLIGHT, facts.summerTimeNow ? REG_DAYLIGHT_TRUE : REG_DAYLIGHT_FALSE));
-    if (!facts.zoneName.empty()) row->addAttrib(text(REG_TZ_NAME, facts.zoneName, 64));
-    if (!facts.summerZoneName.empty()) row->addAttrib(text(REG_TZ_DAYLIGHT_NAME, facts.summerZoneName, 64));
-    table.addRow(row);
+    RowBuilder row(REGIONAL_GROUP);
+    row.text(REG_LOCAL, facts.locale);
+    row.number(REG_TZ_SECONDS, facts.offsetEast < 0 ? -facts.offsetEast : facts.offsetEast);
+    row.number(REG_TZ_PLUS_MINUS, facts.offsetEast < 0 ? REG_MINUS : REG_PLUS);
+    row.number(REG_DAYLIGHT, facts.summerTimeNow ? REG_DAYLIGHT_TRUE : REG_DAYLIGHT_FALSE);
+    row.textIfAny(REG_TZ_NAME, facts.zoneName);
+    row.textIfAny(REG_TZ_DAYLIGHT_NAME, facts.summerZoneName);
+    row.addTo(table);
 }
 
 RegionalGroup::RegionalGroup() : KorGroup(REGIONAL_GROUP, 1) {}
@@ -352,15 +343,15 @@ UnixSystemFacts gatherUnixSystemFacts(sys::System& os)
 
 void shapeUnixSystemRow(const UnixSystemFacts& facts, KorTable& table)
 {
-    auto* row = new KorTableRow;
-    if (facts.bootTime > 0) row->addAttrib(when(UNIX_BOOT_TIME, facts.bootTime));
-    if (facts.runLevel >= 0) row->addAttrib(number(UNIX_RUN_LEVEL, facts.runLevel));
+    RowBuilder row(UNIX_SYSTEM_PARAMS_GROUP);
+    if (facts.bootTime > 0) row.when(UNIX_BOOT_TIME, facts.bootTime);
+    if (facts.runLevel >= 0) row.number(UNIX_RUN_LEVEL, facts.runLevel);
     if (!facts.hostname.empty()) {
-        row->addAttrib(text(UNIX_HOSTNAME, facts.hostname, 255));
+        row.text(UNIX_HOSTNAME, facts.hostname);
         // The alias is the name without its domain.
-        row->addAttrib(text(UNIX_COMPUTER_ALIAS, facts.hostname.substr(0, facts.hostname.find('.')), 32));
+        row.text(UNIX_COMPUTER_ALIAS, facts.hostname.substr(0, facts.hostname.find('.')));
     }
-    table.addRow(row);
+    row.addTo(table);
 }
 
 UnixSystemParamsGroup::UnixSystemParamsGroup() : KorGroup(UNIX_SYSTEM_PARAMS_GROUP, 1) {}
@@ -395,17 +386,17 @@ ScanInfoFacts gatherScanInfoFacts(sys::System& os)
 
 void shapeScanInfoRow(const ScanInfoFacts& facts, KorTable& table)
 {
-    auto* row = new KorTableRow;
-    row->addAttrib(text(SCAN_MANUFACTURER, "invscan", 64));
-    row->addAttrib(number(SCAN_MAJOR_VERSION, INVSCAN_VERSION_MAJOR));
-    row->addAttrib(number(SCAN_MINOR_VERSION, INVSCAN_VERSION_MINOR));
-    row->addAttrib(number(SCAN_MAINTENANCE_VERSION, INVSCAN_VERSION_PATCH));
-    row->addAttrib(number(SCAN_PATCH_LEVEL, 0));
-    row->addAttrib(when(SCAN_DATE, facts.now));
-    row->addAttrib(text(SCAN_BUILD, getBuildDateQVRB(), 64));
-    if (facts.bootTime > 0 && facts.now >= facts.bootTime) row->addAttrib(number(SCAN_UPTIME, facts.now - facts.bootTime));
-    row->addAttrib(number(SCAN_MOBILITY_FLAG, facts.portable ? 1 : 0));
-    table.addRow(row);
+    RowBuilder row(SCAN_INFO_GROUP);
+    row.text(SCAN_MANUFACTURER, "invscan");
+    row.number(SCAN_MAJOR_VERSION, INVSCAN_VERSION_MAJOR);
+    row.number(SCAN_MINOR_VERSION, INVSCAN_VERSION_MINOR);
+    row.number(SCAN_MAINTENANCE_VERSION, INVSCAN_VERSION_PATCH);
+    row.number(SCAN_PATCH_LEVEL, 0);
+    row.when(SCAN_DATE, facts.now);
+    row.text(SCAN_BUILD, getBuildDateQVRB());
+    if (facts.bootTime > 0 && facts.now >= facts.bootTime) row.number(SCAN_UPTIME, facts.now - facts.bootTime);
+    row.number(SCAN_MOBILITY_FLAG, facts.portable ? 1 : 0);
+    row.addTo(table);
 }
 
 ScanInfoGroup::ScanInfoGroup() : KorGroup(SCAN_INFO_GROUP, 1) {}

@@ -4,6 +4,7 @@
 #include "invscan/com/CatalogueIds.h"
 #include "invscan/com/GroupRegistry.h"
 #include "invscan/com/KorTable.h"
+#include "invscan/com/RowBuilder.h"
 #include "common/util/ApiGuard.h"
 
 namespace {
@@ -17,22 +18,22 @@ void shapeVirtualMachineRows(const std::vector<Zone::ZoneInfo>& zones, KorTable&
     unsigned int number = 0;
     for (const Zone::ZoneInfo& z : zones) {
         const int n = static_cast<int>(number);
-        auto* row = new KorTableRow;
+        RowBuilder row(VIRTUAL_MACHINE_GROUP);
         VM_TRACE("hardware Virtual Machine %d, Name = %s ", n, z.name.c_str());
-        row->addAttrib(new KorTableAttrib(VM_NAME, z.name.c_str()));
+        row.text(VM_NAME, z.name);
         VM_TRACE("hardware Virtual Machine %d, Number = [%d] ", n, n);
-        row->addAttrib(new KorTableAttrib(VM_NUMBER, number));
+        row.number(VM_NUMBER, number);
         VM_TRACE("hardware Virtual Machine %d, ID = %s ", n, z.hostid.c_str());
-        row->addAttrib(new KorTableAttrib(VM_ID, z.hostid.c_str()));
+        row.text(VM_ID, z.hostid);
         VM_TRACE("hardware Virtual Machine %d, shared pool ID (name) = %s ", n, z.sharedPoolName.c_str());
-        row->addAttrib(new KorTableAttrib(VM_SHARED_POOL_ID, z.sharedPoolName.c_str()));
+        row.text(VM_SHARED_POOL_ID, z.sharedPoolName);
         VM_TRACE("hardware Virtual Machine %d, shared pool capacity = %f ", n, static_cast<double>(z.sharedPoolCapacity));
-        row->addAttrib(new KorTableAttrib(VM_SHARED_POOL_CAPACITY, z.sharedPoolCapacity));
+        row.real(VM_SHARED_POOL_CAPACITY, z.sharedPoolCapacity);
         VM_TRACE("hardware Virtual Machine %d, zone type = %s ", n, z.typeDisplayed.c_str());
-        row->addAttrib(new KorTableAttrib(VM_TYPE, z.typeDisplayed.c_str()));
+        row.text(VM_TYPE, z.typeDisplayed);
         VM_TRACE("hardware Virtual Machine %d, MountPoint = %s ", n, z.path.c_str());
-        row->addAttrib(new KorTableAttrib(VM_MOUNT_POINT, z.path.c_str()));
-        table.addRow(row);
+        row.text(VM_MOUNT_POINT, z.path);
+        row.addTo(table);
         ++number;
     }
 }

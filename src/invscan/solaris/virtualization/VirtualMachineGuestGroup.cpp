@@ -4,6 +4,7 @@
 #include "invscan/com/CatalogueIds.h"
 #include "invscan/com/GroupRegistry.h"
 #include "invscan/com/KorTable.h"
+#include "invscan/com/RowBuilder.h"
 #include "invscan/com/VirtualMachineInfo.h"
 #include "common/util/ApiGuard.h"
 
@@ -24,12 +25,12 @@ KorTable* VirtualMachineGuestGroup::getTable()
         if (getVirtualMachineInfo(info) && info.isVirtualMachine) {
             const char* type = VirtualMachineInfo::virtualizationNames[info.virtualizationType];
             table = new KorTable(getGroupId(), getGroupVersion());
-            auto* row = new KorTableRow;
+            RowBuilder row(VIRTUAL_MACHINE_GUEST_GROUP);
             CcLogWrapper::traceMAX(log, __LINE__, kSource, kFunction, "hardware UUID = %s ", info.uuid.c_str());
-            row->addAttrib(new KorTableAttrib(GUEST_UUID, info.uuid.c_str()));
+            row.text(GUEST_UUID, info.uuid);
             CcLogWrapper::traceMAX(log, __LINE__, kSource, kFunction, "hardware Hypervisor type = %s ", type);
-            row->addAttrib(new KorTableAttrib(GUEST_HYPERVISOR_TYPE, type));
-            table->addRow(row);
+            row.text(GUEST_HYPERVISOR_TYPE, type);
+            row.addTo(*table);
         }
         CcLogWrapper::traceMidExit(log, __LINE__, kSource, kFunction, "hardware %s", "VirtualMachineGuestGroup");
         return table;

@@ -1,0 +1,116 @@
+#include "invscan/com/RowBuilder.h"
+
+#include <cwchar>
+#include <memory>
+
+#include "framework/utils.h"
+#include "invscan/com/CatalogueChanges.h"
+
+namespace rowrules {
+
+std::string decodable(const std::string& text)
+{
+    std::string out;
+    std::mbstate_t state{};
+    for (size_t i = 0; i < text.size();) {
+        wchar_t wide;
+        const size_t n = std::mbrtowc(&wide, text.data() + i, text.size() - i, &state);
+        if (n == static_cast<size_t>(-1) || n == static_cast<size_t>(-2) || n == 0) {
+            out += '?';  // a byte of another encoding, or a cut character
+            state = std::mbstate_t{};
+            ++i;
+            continue;
+        }
+        out.append(text, i, n);
+        i += n;
+    }
+    return out;
+}
+
+std::string fitted(const std::string& raw, size_t max)
+{
+    const std::string text = decodable(raw);
+    if (max == 0 || text.size() <= max) return text;
+    size_t cut = max;
+    while (cut > 0 && (static_cast<unsigned char>(text[cut]) & 0xC0) == 0x80) --cut;  // not inside a character
+    return text.substr(0, cut);
+}
+
+uint32_t lengthOf(uint32_t groupId, uint32_t attribId)
+{
+    if (isUnboundedAttrib(groupId, attribId)) return 0;
+    const korAttribDef* def = getAttribDefinitionFromId(getGroupDefinitionFromId(groupId), attribId);
+    return def ? def->maxLength : 0;
+}
+
+uint32_t typeOf(uint32_t groupId, uint32_t attribId)
+{
+    const korAttribDef* def = getAttribDefinitionFromId(getGroupDefinitionFromId(groupId), attribId);
+    return def ? getCarriedType(groupId, attribId, def->type) : KOR_NO_TYPE;
+}
+
+}  // namespace rowrules
+
+RowBuilder::RowBuilder(unsigned long groupId) : m_group(getGroupDefinitionFromId(groupId)) {}
+
+RowBuilder::~RowBuilder() { delete m_row; }
+
+RowBuilder& RowBuilder::text(uint32_t id, const std::string& value)
+{
+    // Trimmed before it is cut, so that leading blanks take no room.
+    const std::string cut = rowrules::fitted(utils::trimBoth(value), m_group ? rowrules::lengthOf(m_group->id, id) : 0);
+    add(new KorTableAttrib(id, cut.c_str()));
+    return *this;
+}
+
+RowBuilder& RowBuilder::text(uint32_t id, const char* value) { return text(id, std::string(value ? value : "")); }
+
+RowBuilder& RowBuilder::textIfAny(uint32_t id, const std::string& value)
+{
+    return value.empty() ? *this : text(id, value);
+}
+
+RowBuilder& RowBuilder::number(uint32_t id, unsigned long long value)
+{
+    switch (m_group ? rowrules::typeOf(m_group->id, id) : KOR_ULONG) {
+    case KOR_UCHAR: add(new KorTableAttrib(id, static_cast<unsigned char>(value))); break;
+    case KOR_USHORT: add(new KorTableAttrib(id, static_cast<unsigned short>(value))); break;
+    case KOR_ULONGLONG: add(new KorTableAttrib(id, value)); break;
+    default: add(new KorTableAttrib(id, static_cast<unsigned int>(value))); break;
+    }
+    return *this;
+}
+
+RowBuilder& RowBuilder::when(uint32_t id, long long secondsSinceEpoch)
+{
+    add(new KorTableAttrib(id, static_cast<long>(secondsSinceEpoch)));
+    return *this;
+}
+
+RowBuilder& RowBuilder::real(uint32_t id, double value)
+{
+    add(new KorTableAttrib(id, static_cast<float>(value)));  // every real of the catalogue is a float
+    return *this;
+}
+
+void RowBuilder::add(KorTableAttrib* attrib)
+{
+    std::unique_ptr<KorTableAttrib> owned(attrib);
+    if (!m_row) m_row = new KorTableRow;
+    m_row->addAttrib(owned.get());
+    owned.release();
+}
+
+KorTableRow* RowBuilder::release()
+{
+    KorTableRow* row = m_row ? m_row : new KorTableRow;
+    m_row = nullptr;
+    return row;
+}
+
+void RowBuilder::addTo(KorTable& table)
+{
+    std::unique_ptr<KorTableRow> row(release());
+    table.addRow(row.get());
+    row.release();
+}
