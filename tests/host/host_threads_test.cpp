@@ -15,7 +15,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
-#include <list>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -28,6 +27,7 @@
 #include "framework/NimCfg.h"
 #include "invscan/com/GroupFactory.h"
 #include "support/Guarded.h"
+#include "support/HostScan.h"
 #include "support/Machine.h"
 #include "support/MachineScan.h"
 #include "support/TableReader.h"
@@ -63,19 +63,10 @@ std::string firstDifference(const std::string& got, const std::string& wanted)
 // One scan as a host makes it: every group by name, each table as text.
 std::string scanOnce()
 {
-    GroupFactory* factory = GroupFactory::getInstance();
-    factory->initialise();
-    factory->loadNodeFromFile(factory->getHWConfigFile(), 0);
-    factory->startScan();
-    std::list<String> names;
-    factory->getAllGroups(names);
     std::string out;
-    for (const String& name : names) {
-        std::unique_ptr<KorGroup> group(factory->getGroup(name));
-        std::unique_ptr<KorTable> table(group ? group->getTable() : nullptr);
-        out += "== " + name.narrow() + "\n" + (table ? tableText(*table) : std::string("no table\n"));
-    }
-    factory->endScan();
+    testsupport::hostScan([&out](const std::string& name, KorTable* table) {
+        out += "== " + name + "\n" + (table ? tableText(*table) : std::string("no table\n"));
+    });
     return out;
 }
 

@@ -18,13 +18,13 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
-#include <list>
 #include <string>
 
 #include "common/vartree/vtexec.h"
 #include "framework/NimCfg.h"
 #include "invscan/com/GroupFactory.h"
 #include "support/Guarded.h"
+#include "support/HostScan.h"
 #include "support/Machine.h"
 #include "support/TempDir.h"
 
@@ -75,28 +75,16 @@ std::string childrenLeft()
 // One scan as a host makes it; the number of attribute values walked.
 unsigned long scanOnce()
 {
-    GroupFactory* factory = GroupFactory::getInstance();
-    factory->initialise();
-    factory->loadNodeFromFile(factory->getHWConfigFile(), 0);
-    factory->startScan();
-    std::list<String> names;
-    factory->getAllGroups(names);
     unsigned long values = 0;
-    for (const String& name : names) {
-        KorGroup* group = factory->getGroup(name);
-        if (!group) continue;
-        if (KorTable* table = group->getTable()) {
-            table->reset();
-            while (KorTableRow* row = table->getNext()) {
-                row->reset();
-                for (unsigned long i = 0; i < row->getNumAttribs(); ++i)
-                    if (const KorTableAttrib* attrib = row->getNext()) values += attrib->getAttribPtr() != nullptr;
-            }
-            delete table;
+    testsupport::hostScan([&values](const std::string&, KorTable* table) {
+        if (!table) return;
+        table->reset();
+        while (KorTableRow* row = table->getNext()) {
+            row->reset();
+            for (unsigned long i = 0; i < row->getNumAttribs(); ++i)
+                if (const KorTableAttrib* attrib = row->getNext()) values += attrib->getAttribPtr() != nullptr;
         }
-        delete group;
-    }
-    factory->endScan();
+    });
     return values;
 }
 
