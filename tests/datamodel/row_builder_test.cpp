@@ -26,29 +26,43 @@ struct LocaleGuard {
     ~LocaleGuard() { std::setlocale(LC_CTYPE, "C"); }
 };
 
-TEST(RowBuilder, CutsOnCharacterBoundariesAndShowsUndecodableBytes)
+TEST(RowBuilder, CutsOnCharacterBoundariesAndShowsUndecodableBytesWhereAsked)
 {
     LocaleGuard guard;
     struct Case {
         const char* locale;
         std::string text;
         size_t max;
-        std::string fitted;
+        std::string cut, shown;  // rowrules::cut(text, max), and of decodable(text)
     };
     // "é" is two bytes in UTF-8; EUC-JP bytes do not decode there, and in
-    // the C locale no high byte does.
+    // the C locale no high byte does: such a text is left whole for the data
+    // model to store empty, unless its bytes are shown.
     const Case cases[] = {
-        {"C.UTF-8", "caf\xc3\xa9", 4, "caf"},
-        {"C.UTF-8", "caf\xc3\xa9", 5, "caf\xc3\xa9"},
-        {"C.UTF-8", "/export/\xc6\xfc\xcb\xdc", 255, "/export/????"},
-        {"C.UTF-8", "abcdef", 0, "abcdef"},
-        {"C", "caf\xc3\xa9", 255, "caf??"},
-        {"C", "abc", 3, "abc"},
+        {"C.UTF-8", "caf\xc3\xa9", 4, "caf", "caf"},
+        {"C.UTF-8", "caf\xc3\xa9", 5, "caf\xc3\xa9", "caf\xc3\xa9"},
+        {"C.UTF-8", "abcdef", 0, "abcdef", "abcdef"},
+        {"C.UTF-8", "/export/\xc6\xfc\xcb\xdc", 10, "/export/\xc6\xfc\xcb\xdc", "/export/??"},
+        {"C", "caf\xc3\xa9", 255, "caf\xc3\xa9", "caf??"},
+        {"C", "abc", 3, "abc", "abc"},
     };
     for (const Case& c : cases) {
         ASSERT_NE(std::setlocale(LC_CTYPE, c.locale), nullptr) << c.locale;
-        EXPECT_EQ(rowrules::fitted(c.text, c.max), c.fitted) << c.locale << " " << c.text;
+        EXPECT_EQ(rowrules::cut(c.text, c.max), c.cut) << c.locale << " " << c.text;
+        EXPECT_EQ(rowrules::cut(rowrules::decodable(c.text), c.max), c.shown) << c.locale << " " << c.text;
     }
+
+    // The designed groups keep the data model's rule; ours show the bytes.
+    std::setlocale(LC_CTYPE, "C");
+    auto stored = [](RowBuilder::Undecodable undecodable) {
+        KorTable table(KEYBOARD_GROUP, 1);
+        RowBuilder row(KEYBOARD_GROUP, undecodable);
+        row.text(KBD_TYPE, "caf\xc3\xa9");
+        row.addTo(table);
+        return testsupport::readTable(table).at(0).at(0).text;
+    };
+    EXPECT_EQ(stored(RowBuilder::Undecodable::Empty), L"");
+    EXPECT_EQ(stored(RowBuilder::Undecodable::Shown), L"caf??");
 }
 
 // Every text attribute of every group is cut to the catalogue's length,

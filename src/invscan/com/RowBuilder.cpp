@@ -27,13 +27,20 @@ std::string decodable(const std::string& text)
     return out;
 }
 
-std::string fitted(const std::string& raw, size_t max)
+std::string cut(const std::string& text, size_t max)
 {
-    const std::string text = decodable(raw);
     if (max == 0 || text.size() <= max) return text;
-    size_t cut = max;
-    while (cut > 0 && (static_cast<unsigned char>(text[cut]) & 0xC0) == 0x80) --cut;  // not inside a character
-    return text.substr(0, cut);
+    std::mbstate_t state{};
+    size_t end = 0;  // of the whole characters that fit
+    while (end < text.size()) {
+        wchar_t wide;
+        size_t n = std::mbrtowc(&wide, text.data() + end, text.size() - end, &state);
+        if (n == static_cast<size_t>(-1) || n == static_cast<size_t>(-2)) return text;
+        if (n == 0) n = 1;  // a zero byte
+        if (end + n > max) break;
+        end += n;
+    }
+    return text.substr(0, end);
 }
 
 uint32_t lengthOf(uint32_t groupId, uint32_t attribId)
@@ -51,14 +58,19 @@ uint32_t typeOf(uint32_t groupId, uint32_t attribId)
 
 }  // namespace rowrules
 
-RowBuilder::RowBuilder(unsigned long groupId) : m_group(getGroupDefinitionFromId(groupId)) {}
+RowBuilder::RowBuilder(unsigned long groupId, Undecodable undecodable)
+    : m_group(getGroupDefinitionFromId(groupId)), m_undecodable(undecodable)
+{
+}
 
 RowBuilder::~RowBuilder() { delete m_row; }
 
 RowBuilder& RowBuilder::text(uint32_t id, const std::string& value)
 {
     // Trimmed before it is cut, so that leading blanks take no room.
-    const std::string cut = rowrules::fitted(utils::trimBoth(value), m_group ? rowrules::lengthOf(m_group->id, id) : 0);
+    std::string shown = utils::trimBoth(value);
+    if (m_undecodable == Undecodable::Shown) shown = rowrules::decodable(shown);
+    const std::string cut = rowrules::cut(shown, m_group ? rowrules::lengthOf(m_group->id, id) : 0);
     add(new KorTableAttrib(id, cut.c_str()));
     return *this;
 }

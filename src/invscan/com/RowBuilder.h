@@ -12,12 +12,16 @@
 
 class RowBuilder {
 public:
-    explicit RowBuilder(unsigned long groupId);
+    // What becomes of a text the locale cannot decode: the data model stores
+    // it empty; the groups of our own design show each such byte as '?'
+    // instead, so that a name written in another encoding is not lost.
+    enum class Undecodable { Empty, Shown };
+    explicit RowBuilder(unsigned long groupId, Undecodable undecodable = Undecodable::Empty);
     ~RowBuilder();
     RowBuilder(const RowBuilder&) = delete;
     RowBuilder& operator=(const RowBuilder&) = delete;
 
-    // Trimmed, made decodable and cut; an empty text is still a cell.
+    // Trimmed and cut; an empty text is still a cell.
     RowBuilder& text(uint32_t id, const std::string& value);
     RowBuilder& text(uint32_t id, const char* value);  // null is empty
     // No cell at all for an empty text.
@@ -39,16 +43,16 @@ private:
     void add(KorTableAttrib* attrib);
 
     const korGroupDef* m_group;
+    Undecodable m_undecodable;
     KorTableRow* m_row = nullptr;
 };
 
 namespace rowrules {
-// `text` made decodable in the current locale, cut to `max` bytes without
-// splitting a character; max 0 leaves it whole.
-std::string fitted(const std::string& text, size_t max);
-// Each byte the locale cannot decode (a name written in another encoding)
-// shown as '?': the data model stores texts in the host's locale, and would
-// store an undecodable one as empty.
+// `text` cut to `max` bytes without splitting a character of the current
+// locale; max 0 leaves it whole, and so is a text the locale cannot decode
+// (the data model stores it empty whatever its length).
+std::string cut(const std::string& text, size_t max);
+// Each byte the locale cannot decode shown as '?'.
 std::string decodable(const std::string& text);
 // The length a text of this attribute is cut to: the catalogue's, or 0 for
 // an attribute deliberately left longer.

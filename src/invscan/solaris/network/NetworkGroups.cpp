@@ -162,7 +162,7 @@ void shapeAdapterRows(const NetworkFacts& facts, const PciNames& names, KorTable
         // addresses are configured, nor across reboots.
         const std::string idText = (permanent.empty() ? l.name : permanent) + l.driver();
         char* id = md5_checksum(idText.c_str());
-        RowBuilder row(NETWORK_ADAPTER_GROUP);
+        RowBuilder row(NETWORK_ADAPTER_GROUP, RowBuilder::Undecodable::Shown);
         row.number(NET_INDEX, ++index);
         if (id) row.text(NET_ID, id);
         std::free(id);
@@ -194,7 +194,7 @@ void shapeIpv4Rows(const NetworkFacts& facts, KorTable& table)
     const ByPhysical others(facts);
     for (const Interface& i : facts.interfaces) {
         if (!shown(i, false) || !seen.insert(i.address).second) continue;
-        RowBuilder row(IP_ADDRESS_GROUP);
+        RowBuilder row(IP_ADDRESS_GROUP, RowBuilder::Undecodable::Shown);
         row.number(IP_INDEX, ++index);
         row.textIfAny(IP_ADDRESS, i.address);
         row.text(IP_DHCP_ENABLED, i.has("DHCP") ? "Y" : "N");
@@ -217,7 +217,7 @@ void shapeIpv6Rows(const NetworkFacts& facts, KorTable& table)
     const ByPhysical others(facts);
     for (const Interface& i : facts.interfaces) {
         if (!shown(i, true) || !seen.insert(i.address).second) continue;
-        RowBuilder row(IPV6_ADDRESS_GROUP);
+        RowBuilder row(IPV6_ADDRESS_GROUP, RowBuilder::Undecodable::Shown);
         row.number(IPV6_INDEX, ++index);
         row.textIfAny(IPV6_ADDRESS, i.address);
         row.textIfAny(IPV6_HOSTNAME, facts.hostname);

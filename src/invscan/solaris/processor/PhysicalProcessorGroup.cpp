@@ -86,7 +86,7 @@ bool gatherPhysicalPackages(VtExecInfo* info, std::vector<PhysicalPackage>& pack
 void shapePhysicalProcessorRows(const std::vector<PhysicalPackage>& packages, KorTable& table)
 {
     for (const PhysicalPackage& p : packages) {
-        RowBuilder row(PHYSICAL_PROCESSOR_GROUP);
+        RowBuilder row(PHYSICAL_PROCESSOR_GROUP, RowBuilder::Undecodable::Shown);
         char* id = md5_checksum(p.id.c_str());
         row.text(PHYS_ID, id);
         std::free(id);

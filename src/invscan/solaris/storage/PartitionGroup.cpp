@@ -212,7 +212,7 @@ void shapePartitionRows(const std::vector<PartitionRow>& rows, KorTable& table)
 {
     unsigned int index = 0;
     for (const PartitionRow& r : rows) {
-        RowBuilder row(PARTITION_GROUP);
+        RowBuilder row(PARTITION_GROUP, RowBuilder::Undecodable::Shown);
         row.number(PART_INDEX, ++index);
         row.number(PART_TYPE, r.kind.partType);
         row.number(PART_MEDIA_TYPE, r.kind.mediaType);

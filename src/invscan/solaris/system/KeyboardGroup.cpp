@@ -100,7 +100,7 @@ std::string layoutName(sys::System& os, const std::string& layout)
 
 void shapeKeyboardRow(const KeyboardFacts& facts, KorTable& table)
 {
-    RowBuilder row(KEYBOARD_GROUP);
+    RowBuilder row(KEYBOARD_GROUP, RowBuilder::Undecodable::Shown);
     row.textIfAny(KBD_TYPE, facts.type);
     row.textIfAny(KBD_SUB_TYPE, facts.subType);
     row.textIfAny(KBD_CODE_PAGE, facts.layout);

@@ -162,7 +162,7 @@ void shapePciRows(const std::vector<PciFunction>& functions, const PciNames& nam
 {
     unsigned int index = 0;
     for (const PciFunction& f : functions) {
-        RowBuilder row(PCI_DEVICE_GROUP);
+        RowBuilder row(PCI_DEVICE_GROUP, RowBuilder::Undecodable::Shown);
         row.number(PCI_INDEX, ++index);
         row.text(PCI_NAME, pciName(f, names));
         if (f.revision >= 0) {

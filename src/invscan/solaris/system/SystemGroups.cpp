@@ -249,7 +249,7 @@ bool gatherOperatingSystemFacts(sys::System& os, VtExecInfo* cpuid, OperatingSys
 
 void shapeOperatingSystemRow(const OperatingSystemFacts& facts, KorTable& table)
 {
-    RowBuilder row(OPERATING_SYSTEM_GROUP);
+    RowBuilder row(OPERATING_SYSTEM_GROUP, RowBuilder::Undecodable::Shown);
     const std::string name = facts.banner.empty() ? facts.sysname + " " + facts.release : facts.banner.front();
     row.text(OS_NAME, name);
     row.number(OS_TYPE, osType(facts.sysname, facts.release));
@@ -310,7 +310,7 @@ RegionalFacts gatherRegionalFacts(sys::System& os)
 
 void shapeRegionalRow(const RegionalFacts& facts, KorTable& table)
 {
-    RowBuilder row(REGIONAL_GROUP);
+    RowBuilder row(REGIONAL_GROUP, RowBuilder::Undecodable::Shown);
     row.text(REG_LOCAL, facts.locale);
     row.number(REG_TZ_SECONDS, facts.offsetEast < 0 ? -facts.offsetEast : facts.offsetEast);
     row.number(REG_TZ_PLUS_MINUS, facts.offsetEast < 0 ? REG_MINUS : REG_PLUS);
@@ -343,7 +343,7 @@ UnixSystemFacts gatherUnixSystemFacts(sys::System& os)
 
 void shapeUnixSystemRow(const UnixSystemFacts& facts, KorTable& table)
 {
-    RowBuilder row(UNIX_SYSTEM_PARAMS_GROUP);
+    RowBuilder row(UNIX_SYSTEM_PARAMS_GROUP, RowBuilder::Undecodable::Shown);
     if (facts.bootTime > 0) row.when(UNIX_BOOT_TIME, facts.bootTime);
     if (facts.runLevel >= 0) row.number(UNIX_RUN_LEVEL, facts.runLevel);
     if (!facts.hostname.empty()) {
@@ -386,7 +386,7 @@ ScanInfoFacts gatherScanInfoFacts(sys::System& os)
 
 void shapeScanInfoRow(const ScanInfoFacts& facts, KorTable& table)
 {
-    RowBuilder row(SCAN_INFO_GROUP);
+    RowBuilder row(SCAN_INFO_GROUP, RowBuilder::Undecodable::Shown);
     row.text(SCAN_MANUFACTURER, "invscan");
     row.number(SCAN_MAJOR_VERSION, INVSCAN_VERSION_MAJOR);
     row.number(SCAN_MINOR_VERSION, INVSCAN_VERSION_MINOR);
