@@ -158,8 +158,9 @@ capture_seeds() {
   done
 }
 
-# Without the allocation stack of every block the targets run twice as fast;
-# a finding is run again from its artifact with the stacks on.
+# Recording the allocation stack of every block is a quarter of a target's
+# time (fuzz_machine's first 30,000 runs: 2,307 a second with the stacks,
+# 3,000 without); a finding is run again from its artifact with them on.
 export ASAN_OPTIONS=${ASAN_OPTIONS:-malloc_context_size=0}
 
 printf '%-24s %12s %8s %8s\n' target executions seconds corpus
