@@ -85,10 +85,10 @@ std::vector<std::string> catalogueProblems(KorTable& table)
                 continue;
             }
             // The row builder's rules: the catalogue's, and its named departures.
-            if (rowrules::typeOf(group->id, v.id) != v.type)
+            if (rowrules::typeOf(group, v.id) != v.type)
                 problems.push_back(where + "type " + std::to_string(v.type) + ", catalogue says " +
                                    std::to_string(def->type));
-            const uint32_t length = rowrules::lengthOf(group->id, v.id);
+            const uint32_t length = rowrules::lengthOf(group, v.id);
             if ((v.type == KOR_STRING || v.type == KOR_WIDESTRING) && length > 0 && v.text.size() > length)
                 problems.push_back(where + std::to_string(v.text.size()) + " characters, longer than " +
                                    std::to_string(def->maxLength));

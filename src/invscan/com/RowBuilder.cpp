@@ -43,17 +43,17 @@ std::string cut(const std::string& text, size_t max)
     return text.substr(0, end);
 }
 
-uint32_t lengthOf(uint32_t groupId, uint32_t attribId)
+uint32_t lengthOf(const korGroupDef* group, uint32_t attribId)
 {
-    if (isUnboundedAttrib(groupId, attribId)) return 0;
-    const korAttribDef* def = getAttribDefinitionFromId(getGroupDefinitionFromId(groupId), attribId);
+    if (!group || isUnboundedAttrib(group->id, attribId)) return 0;
+    const korAttribDef* def = getAttribDefinitionFromId(group, attribId);
     return def ? def->maxLength : 0;
 }
 
-uint32_t typeOf(uint32_t groupId, uint32_t attribId)
+uint32_t typeOf(const korGroupDef* group, uint32_t attribId)
 {
-    const korAttribDef* def = getAttribDefinitionFromId(getGroupDefinitionFromId(groupId), attribId);
-    return def ? getCarriedType(groupId, attribId, def->type) : KOR_NO_TYPE;
+    const korAttribDef* def = group ? getAttribDefinitionFromId(group, attribId) : nullptr;
+    return def ? getCarriedType(group->id, attribId, def->type) : KOR_NO_TYPE;
 }
 
 }  // namespace rowrules
@@ -70,7 +70,7 @@ RowBuilder& RowBuilder::text(uint32_t id, const std::string& value)
     // Trimmed before it is cut, so that leading blanks take no room.
     std::string shown = utils::trimBoth(value);
     if (m_undecodable == Undecodable::Shown) shown = rowrules::decodable(shown);
-    const std::string cut = rowrules::cut(shown, m_group ? rowrules::lengthOf(m_group->id, id) : 0);
+    const std::string cut = rowrules::cut(shown, rowrules::lengthOf(m_group, id));
     add(new KorTableAttrib(id, cut.c_str()));
     return *this;
 }
@@ -84,7 +84,7 @@ RowBuilder& RowBuilder::textIfAny(uint32_t id, const std::string& value)
 
 RowBuilder& RowBuilder::number(uint32_t id, unsigned long long value)
 {
-    switch (m_group ? rowrules::typeOf(m_group->id, id) : KOR_ULONG) {
+    switch (rowrules::typeOf(m_group, id)) {  // an attribute the catalogue lacks: ULONG
     case KOR_UCHAR: add(new KorTableAttrib(id, static_cast<unsigned char>(value))); break;
     case KOR_USHORT: add(new KorTableAttrib(id, static_cast<unsigned short>(value))); break;
     case KOR_ULONGLONG: add(new KorTableAttrib(id, value)); break;

@@ -56,8 +56,8 @@ std::string cut(const std::string& text, size_t max);
 std::string decodable(const std::string& text);
 // The length a text of this attribute is cut to: the catalogue's, or 0 for
 // an attribute deliberately left longer.
-uint32_t lengthOf(uint32_t groupId, uint32_t attribId);
+uint32_t lengthOf(const korGroupDef* group, uint32_t attribId);
 // The type an attribute carries: the catalogue's, or the one it carries
 // on purpose instead.
-uint32_t typeOf(uint32_t groupId, uint32_t attribId);
+uint32_t typeOf(const korGroupDef* group, uint32_t attribId);
 }  // namespace rowrules
