@@ -44,6 +44,7 @@ TEST(RowBuilder, CutsOnCharacterBoundariesAndShowsUndecodableBytesWhereAsked)
         {"C.UTF-8", "abcdef", 0, "abcdef", "abcdef"},
         {"C.UTF-8", "/export/\xc6\xfc\xcb\xdc", 10, "/export/\xc6\xfc\xcb\xdc", "/export/??"},
         {"C", "caf\xc3\xa9", 255, "caf\xc3\xa9", "caf??"},
+        {"C", "cafe\xc3\xa9", 3, "cafe\xc3\xa9", "caf"},  // undecodable past the cut is still undecodable
         {"C", "abc", 3, "abc", "abc"},
     };
     for (const Case& c : cases) {

@@ -30,17 +30,19 @@ std::string decodable(const std::string& text)
 std::string cut(const std::string& text, size_t max)
 {
     if (max == 0 || text.size() <= max) return text;
+    // Walked to the end: a text undecodable anywhere stays whole, so that
+    // whether it is stored does not depend on where the cut falls.
     std::mbstate_t state{};
-    size_t end = 0;  // of the whole characters that fit
-    while (end < text.size()) {
+    size_t fits = 0;  // the bytes of the whole characters that fit
+    for (size_t at = 0; at < text.size();) {
         wchar_t wide;
-        size_t n = std::mbrtowc(&wide, text.data() + end, text.size() - end, &state);
+        size_t n = std::mbrtowc(&wide, text.data() + at, text.size() - at, &state);
         if (n == static_cast<size_t>(-1) || n == static_cast<size_t>(-2)) return text;
         if (n == 0) n = 1;  // a zero byte
-        if (end + n > max) break;
-        end += n;
+        at += n;
+        if (at <= max) fits = at;
     }
-    return text.substr(0, end);
+    return text.substr(0, fits);
 }
 
 uint32_t lengthOf(const korGroupDef* group, uint32_t attribId)

@@ -50,7 +50,7 @@ private:
 namespace rowrules {
 // `text` cut to `max` bytes without splitting a character of the current
 // locale; max 0 leaves it whole, and so is a text the locale cannot decode
-// (the data model stores it empty whatever its length).
+// anywhere, even past `max` (the data model stores it empty whatever its length).
 std::string cut(const std::string& text, size_t max);
 // Each byte the locale cannot decode shown as '?'.
 std::string decodable(const std::string& text);
